@@ -1,0 +1,81 @@
+#include "call_command.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <iterator>
+
+#include "exit_status.h"
+#include "host/diagnostics.h"
+#include "host_call.h"
+#include "json_line.h"
+#include "plugin.h"
+
+namespace ibis::cli {
+namespace {
+
+constexpr const char* details = R"(The request holds two to four arrays of strings:
+  0  the IBIS file
+  1  mode, component, root folder, subcircuit
+  2  the pins wanted; none for all
+  3  selector choices, with backslash escapes
+
+The result holds status ("0" written, "1" warnings, "2" errors), root folder, number of
+warnings, number of errors, then the warnings and the errors.
+
+Exit status: 0 the call was made, whatever its result; 1 the result could not be
+printed; 2 a malformed request, a plug-in that cannot be loaded, or wrong use.
+
+Examples:
+  echo '[["buffer.ibs"],["model","","out","buffer"]]' | ibis-load call
+  echo '[["hub.ibs"],["package","HUB","out","hub"],["A1","A2"]]' | ibis-load call
+  ibis-load call --plugin lib/ibis_load.so < request.json)";
+
+std::string readAll(std::istream& in) {
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+nlohmann::json toJson(const CallResult& result) {
+  auto array = nlohmann::json::array();
+  for (const auto& text : result) array.push_back(text ? nlohmann::json(*text) : nullptr);
+  return array;
+}
+
+CallResult callPlugin(const std::string& path, const CallArguments& arguments) {
+  const Plugin plugin(path);
+  try {
+    return callAsHost(plugin.function("IBIS_Load"), arguments);
+  } catch (const KelvrantException& fault) {
+    // What the plug-in throws does not outlive it.
+    throw std::runtime_error(fault.message);
+  }
+}
+
+int refuse(const std::exception& fault) {
+  std::cerr << "ibis-load: error: " << fault.what() << '\n';
+  return exitStatus::wrongUse;
+}
+
+}  // namespace
+
+void addCallCommand(CLI::App& program, CallOptions& options) {
+  CLI::App* command = program.add_subcommand(
+      "call", "Call the plug-in as a host does: JSON arguments in, JSON result out.");
+  command->add_option("--plugin", options.plugin, "The plug-in, if not the program's own")
+      ->type_name("PATH");
+  command->footer(details);
+}
+
+int runCall(CallOptions options) {
+  try {
+    const CallArguments arguments = parseRequest(readAll(std::cin));
+    if (options.plugin.empty()) options.plugin = ownPluginPath();
+    std::cout << jsonLine(toJson(callPlugin(options.plugin, arguments)));
+    return exitStatus::done;
+  } catch (const MalformedRequest& fault) {
+    return refuse(fault);
+  } catch (const PluginFault& fault) {
+    return refuse(fault);
+  }
+}
+
+}  // namespace ibis::cli

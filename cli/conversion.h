@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "message.h"
+
+namespace ibis::cli {
+
+/// What a person asks of one conversion.
+struct ConversionRequest {
+  std::string source;
+  std::string mode;
+  std::string component;   ///< Empty for the file's first.
+  std::string folder;      ///< Made if absent.
+  std::string subcircuit;  ///< Empty for the component's SPICE name.
+  std::vector<std::string> pins;
+  std::vector<std::string> selections;  ///< Plain texts, without escapes.
+};
+
+/// What one conversion wrote and what it has to say.
+struct Conversion {
+  std::vector<std::string> files;
+  std::vector<Message> warnings;
+  std::vector<Message> errors;
+};
+
+/// Reads the file and writes what the mode asks for, unless an error stands.
+Conversion convert(const ConversionRequest& request);
+
+}  // namespace ibis::cli

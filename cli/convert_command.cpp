@@ -1,0 +1,122 @@
+#include "convert_command.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+
+#include "exit_status.h"
+#include "report.h"
+
+namespace ibis::cli {
+namespace {
+
+constexpr const char* details = R"(Modes, and what each writes into DIR:
+  model    SUBCKT.lb, the SPICE library of the component and its models, and
+           SUBCKT_INFO.html, a page about them
+  package  SUBCKT.lb, the SPICE library of the component's package alone
+  script   ibis_components.kvscr, a host script about every component of the file;
+           it needs no COMPONENT, and with one leaves out the pins of the others
+  symbol   nothing; the file is read and checked, which ends with status 1
+
+Standard output: the files written and the counts of warnings and errors.
+Standard error: each message as FILE:LINE: warning: TEXT, or without LINE.
+
+Exit status: 0 files written, with or without warnings; 1 errors, or nothing written,
+or, with --werror, warnings (the files are written nevertheless); 2 wrong use.
+
+Examples:
+  ibis-load convert buffer.ibs
+      writes the library of the first component into the current folder
+  ibis-load convert hub.ibs -c HUB -o out -s hub_io -p A1 -p A2
+      writes out/hub_io.lb and out/hub_io_INFO.html for two of HUB's pins
+  ibis-load convert hub.ibs -m package -o out
+      writes the library of the package alone
+  ibis-load convert dram.ibs --select "40 Ohm driver" --werror
+      chooses a model by its description; a warning fails the command
+  ibis-load convert buffer.ibs --json -o out > report.json
+      reports as JSON: status, files, warnings and errors)";
+
+std::string checkSubcircuit(const std::string& name) {
+  const bool isName = name.find_first_of(" \t\n/%") == name.npos;
+  return isName ? "" : "A subcircuit's name holds no blank, '/' or '%'";
+}
+
+std::string checkFolder(const std::string& name) {
+  return name.empty() ? "A folder's name is not empty" : "";
+}
+
+void addFileOptions(CLI::App& command, ConversionRequest& request) {
+  const CLI::IsMember modes({"model", "package", "script", "symbol"}, CLI::ignore_case);
+  command.add_option("FILE", request.source, "The IBIS file")->required();
+  command.add_option("-m,--mode", request.mode, "What to write, in any case of letters")
+      ->type_name("MODE")
+      ->check(modes)
+      ->capture_default_str();
+  command.add_option("-o,--output", request.folder, "Where files go; made if absent")
+      ->type_name("DIR")
+      ->check(checkFolder)
+      ->capture_default_str();
+}
+
+void addChoiceOptions(CLI::App& command, ConversionRequest& request) {
+  command.add_option("-c,--component", request.component, "The component; else the file's first")
+      ->type_name("COMPONENT");
+  command
+      .add_option("-s,--subcircuit", request.subcircuit,
+                  "Name of the subcircuit; else the component's SPICE name")
+      ->type_name("SUBCKT")
+      ->check(checkSubcircuit);
+  command.add_option("-p,--pin", request.pins, "A pin to write, once for each; else all")
+      ->type_name("PIN")
+      ->allow_extra_args(false);
+  command
+      .add_option("--select", request.selections,
+                  "Description of the model that a selector takes, once for each")
+      ->type_name("DESCRIPTION")
+      ->allow_extra_args(false);
+}
+
+void addReportOptions(CLI::App& command, ConvertOptions& options) {
+  command.add_flag("--json", options.asJson, "Report as one JSON object on standard output");
+  command.add_flag("-q,--quiet", options.isQuiet, "No standard output but that of --json");
+  command.add_flag("--werror", options.warningsFail,
+                   "Exit status 1 for warnings; the files are written nevertheless");
+}
+
+// Completion in a shell leaves a slash at the end, which would show twice in the files' names.
+std::string withoutSlashAtEnd(std::string folder) {
+  while (folder.size() > 1 && folder.ends_with('/')) folder.pop_back();
+  return folder;
+}
+
+int exitStatusOf(const Conversion& conversion, bool warningsFail) {
+  const bool isWritten = conversion.errors.empty() && !conversion.files.empty();
+  const bool isGood = isWritten && (conversion.warnings.empty() || !warningsFail);
+  return isGood ? exitStatus::done : exitStatus::failed;
+}
+
+}  // namespace
+
+CLI::App* addConvertCommand(CLI::App& program, ConvertOptions& options) {
+  CLI::App* command =
+      program.add_subcommand("convert", "Convert an IBIS file, in the way that MODE tells.");
+  addFileOptions(*command, options.request);
+  addChoiceOptions(*command, options.request);
+  addReportOptions(*command, options);
+  command->footer(details);
+  return command;
+}
+
+int runConvert(ConvertOptions options) {
+  options.request.folder = withoutSlashAtEnd(options.request.folder);
+  const Conversion conversion = convert(options.request);
+  const int status = exitStatusOf(conversion, options.warningsFail);
+  printMessages(std::cerr, options.request.source, conversion);
+  if (options.asJson) {
+    printJson(std::cout, conversion, status);
+  } else if (!options.isQuiet) {
+    printSummary(std::cout, conversion);
+  }
+  return status;
+}
+
+}  // namespace ibis::cli

@@ -1,0 +1,12 @@
+#pragma once
+
+namespace ibis::cli {
+
+/// What the program tells its caller when it ends.
+namespace exitStatus {
+inline constexpr int done = 0;
+inline constexpr int failed = 1;
+inline constexpr int wrongUse = 2;
+}  // namespace exitStatus
+
+}  // namespace ibis::cli

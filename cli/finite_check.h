@@ -1,0 +1,10 @@
+#pragma once
+
+#include "model/model.h"
+
+namespace ibis::cli {
+
+/// Whether each table and waveform value that a library holds of the model is a finite number.
+bool hasFiniteData(const IBISModel& model);
+
+}  // namespace ibis::cli

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+#include "reader/file.h"
+
+namespace ibis::cli {
+
+/// A message for a person, without line end.
+struct Message {
+  std::optional<std::int32_t> line;  ///< Line of the IBIS file that it speaks of.
+  std::string text;
+};
+
+/// Finds the line of the IBIS file that a load's message speaks of.
+class MessageLocator {
+ public:
+  /// The file must outlive it.
+  explicit MessageLocator(const IBISFileData& file);
+
+  /// The message with its line, taken out of the front of the text if it stands there.
+  Message locate(std::string_view text) const;
+
+ private:
+  std::optional<std::int32_t> modelLine(std::string_view text) const;
+
+  std::unordered_map<std::string_view, std::int32_t> lines_;  // 0 for a name of several models
+};
+
+}  // namespace ibis::cli

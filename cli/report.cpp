@@ -1,0 +1,57 @@
+#include "report.h"
+
+#include <ostream>
+
+#include "json_line.h"
+
+namespace ibis::cli {
+namespace {
+
+using nlohmann::ordered_json;
+
+void printList(std::ostream& out, const std::string& source, const std::vector<Message>& list,
+               std::string_view level) {
+  for (const Message& message : list) {
+    out << source << ':';
+    if (message.line) out << *message.line << ':';
+    out << ' ' << level << ": " << message.text << '\n';
+  }
+}
+
+std::string counted(std::size_t count, const std::string& word) {
+  return std::to_string(count) + ' ' + word + (count == 1 ? "" : "s");
+}
+
+ordered_json toJson(const std::vector<Message>& list) {
+  ordered_json array = ordered_json::array();
+  for (const Message& message : list) {
+    ordered_json& item = array.emplace_back();
+    item["line"] = message.line ? ordered_json(*message.line) : ordered_json();
+    item["text"] = message.text;
+  }
+  return array;
+}
+
+}  // namespace
+
+void printMessages(std::ostream& out, const std::string& source, const Conversion& conversion) {
+  printList(out, source, conversion.warnings, "warning");
+  printList(out, source, conversion.errors, "error");
+}
+
+void printSummary(std::ostream& out, const Conversion& conversion) {
+  for (const std::string& name : conversion.files) out << name << '\n';
+  out << counted(conversion.warnings.size(), "warning") << ", "
+      << counted(conversion.errors.size(), "error") << '\n';
+}
+
+void printJson(std::ostream& out, const Conversion& conversion, int status) {
+  ordered_json object;
+  object["status"] = status;
+  object["files"] = conversion.files;
+  object["warnings"] = toJson(conversion.warnings);
+  object["errors"] = toJson(conversion.errors);
+  out << jsonLine(object);
+}
+
+}  // namespace ibis::cli

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "reader/file.h"
+#include "reader/name_index.h"
+#include "reader/scanner.h"
+
+namespace ibis {
+
+/// Appends the [Model Selector] at the index to the file; the index is left on its last row.
+void readModelSelector(IBISFile& file, IBISRecords records, std::int32_t& index);
+
+/// The model that a selector stands for, given the user's choices in the order of preference.
+///
+/// The first choice that a row describes decides, the last of such rows counts; without one it is
+/// the selector's first row, and an empty name for a selector with no rows.
+IBISString resolveSelector(const IBISModelSelector& selector,
+                           std::span<const IBISString> modelSelections);
+
+/// Finds models by the names that pins give, through the file's selectors.
+class ModelFinder {
+ public:
+  /// The file's selectors and models must not change while the finder is used.
+  explicit ModelFinder(const IBISFileData& file);
+
+  /// The first model of a name, or what a selector of that name stands for; null if there is none.
+  IBISModel* find(std::string_view name) const;
+
+ private:
+  NameIndex<ExactCase> models_;
+  std::vector<IBISModel*> modelPlaces_;
+  NameIndex<ExactCase> selectors_;
+  std::vector<IBISString> selectedNames_;  // of the last selector of each name
+};
+
+/// ModelFinder::find for one name.
+IBISModel* findModel(const IBISFile& file, std::string_view name);
+
+/// Reports each of the user's choices that no row of any selector describes.
+void checkUserSelectors(IBISFile& file, IBISErrorHandler& errors);
+
+}  // namespace ibis

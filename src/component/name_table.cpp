@@ -1,0 +1,65 @@
+#include "component/name_table.h"
+
+#include <string>
+
+namespace ibis {
+namespace {
+
+constexpr std::string_view illegalInSpice = "*/-+.:<>|\\;{} \t";
+
+std::string legalForm(std::string_view name) {
+  std::string legal(name);
+  for (char& c : legal) {
+    if (illegalInSpice.find(c) != std::string_view::npos) c = '_';
+  }
+  return std::string(foldReservedName(legal));
+}
+
+std::string numbered(std::string_view base, std::int32_t counter) {
+  return std::string(base) + '_' + std::to_string(counter);
+}
+
+}  // namespace
+
+void IBISNameTable::registerName(std::string_view name) {
+  if (sources_.contains(name)) return;
+  const std::string base = legalForm(name);
+  const std::string_view source = strings_.store(name);
+  // Most names are legal as they are and share one text with their SPICE name.
+  std::string_view spice = base == source ? source : strings_.store(base);
+  if (spiceNames_.contains(spice)) spice = freeSpiceName(spice);
+  sources_.add(source);
+  spiceNames_.add(spice);
+}
+
+// A numbered name is never a reserved word, so no folding is needed here.
+std::string_view IBISNameTable::freeSpiceName(std::string_view base) {
+  std::int32_t& counter = spiceCounters_[base];
+  std::string candidate;
+  do {
+    candidate = numbered(base, ++counter);
+  } while (spiceNames_.contains(candidate));
+  return strings_.store(candidate);
+}
+
+std::string_view IBISNameTable::freeSourceName(std::string_view name) {
+  std::int32_t& counter = sourceCounters_[sources_.name(sources_.find(name))];
+  std::string candidate;
+  do {
+    candidate = numbered(name, ++counter);
+  } while (sources_.contains(candidate));
+  return strings_.store(candidate);
+}
+
+IBISString IBISNameTable::makeUniqueName(std::string_view name) {
+  if (sources_.contains(name)) name = freeSourceName(name);
+  registerName(name);
+  return sources_.name(sources_.find(name));
+}
+
+IBISString IBISNameTable::spiceName(std::string_view name) const {
+  const std::int32_t place = sources_.find(name);
+  return place == sources_.absent ? IBISString() : IBISString(spiceNames_.name(place));
+}
+
+}  // namespace ibis

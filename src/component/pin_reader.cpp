@@ -1,0 +1,89 @@
+#include "component/pin_reader.h"
+
+namespace ibis {
+namespace {
+
+constexpr std::string_view columnNames[] = {"signal_name", "model_name", "R_pin", "L_pin", "C_pin"};
+constexpr std::int32_t ownRLCTokens = 6;
+
+enum Column : std::size_t { signalName, modelName, resistance, inductance, capacitance };
+
+class PinRow {
+ public:
+  PinRow(const std::vector<std::int32_t>& columns, Fields& fields)
+      : columns_(columns), fields_(fields) {}
+
+  std::string_view token(Column column) { return fields_.at(columns_[column] + 1); }
+
+  // One value serves all corners; NA keeps the package's typ of the moment.
+  IBISTriple triple(Column column, const IBISTriple& package) {
+    const double value = parseNumber(token(column), package.typ);
+    return {true, value, value, value};
+  }
+
+ private:
+  const std::vector<std::int32_t>& columns_;
+  Fields& fields_;
+};
+
+void readRow(IBISPin& pin, IBISComponent& component, const std::vector<std::int32_t>& columns,
+             Fields& fields) {
+  PinRow row(columns, fields);
+  pin.parsed = true;
+  pin.name = fields.at(0);
+  const IBISString signal = row.token(signalName);
+  pin.model_name = row.token(modelName);
+  pin.signal_name = component.nameTable.makeUniqueName(signal);
+  pin.spiceName = component.nameTable.spiceName(pin.signal_name);
+  const IBISPackage& package = component.package;
+  // Reading a column lengthens the row up to it, so a header may count rows as complete.
+  pin.hasOwnRLC = fields.size() >= ownRLCTokens;
+  if (pin.hasOwnRLC) {
+    pin.R_pin = row.triple(resistance, package.R_pkg);
+    pin.L_pin = row.triple(inductance, package.L_pkg);
+    pin.C_pin = row.triple(capacitance, package.C_pkg);
+  } else {
+    pin.R_pin = package.R_pkg;
+    pin.L_pin = package.L_pkg;
+    pin.C_pin = package.C_pkg;
+  }
+}
+
+std::int32_t findLast(const Fields& tokens, std::string_view name) {
+  for (std::int32_t i = tokens.size() - 1; i >= 0; --i) {
+    if (tokens[i] == name) return i;
+  }
+  return -1;
+}
+
+}  // namespace
+
+std::vector<std::int32_t> mapColumns(IBISString header, std::span<const std::string_view> names) {
+  Fields tokens;
+  splitFields(header, tokens);
+  std::vector<std::int32_t> columns;
+  for (std::string_view name : names) {
+    const std::int32_t place = findLast(tokens, name);
+    columns.push_back(place >= 0 ? place : static_cast<std::int32_t>(columns.size()));
+  }
+  return columns;
+}
+
+void readPins(IBISComponent& component, IBISRecords records, std::int32_t& index) {
+  const std::vector<std::int32_t> columns =
+      mapColumns(recordAt(records, index).text(), columnNames);
+  if (component.pins.empty()) {
+    component.pins.reserve(static_cast<std::size_t>(countDataLines(records, index)));
+  }
+  Fields fields;
+  std::string_view text;
+  while (nextDataLine(records, index, text)) {
+    IBISPin& pin = component.pins.emplace_back();
+    pin.line = recordAt(records, index).line;
+    fields.clear();
+    splitFields(text, fields);
+    readRow(pin, component, columns, fields);
+  }
+}
+
+}  // namespace ibis

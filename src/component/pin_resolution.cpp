@@ -1,0 +1,175 @@
+#include "component/pin_resolution.h"
+
+#include <algorithm>
+
+#include "host/messages.h"
+#include "reader/merge_sort.h"
+
+namespace ibis {
+namespace {
+
+void resolvePinModels(IBISComponent& component, const ModelFinder& models,
+                      IBISErrorHandler& errors) {
+  for (IBISPin& pin : component.pins) {
+    pin.model = models.find(pin.model_name);
+    if (pin.model != nullptr) continue;
+    errors.error(message::pinModelUndefined, pin.line, pin.name.str().c_str());
+  }
+}
+
+// Builds the entries of one component: its pairs first, then its single pins.
+class EntryBuilder {
+ public:
+  EntryBuilder(IBISComponent& component, const PinFilter& filter, IBISErrorHandler& errors)
+      : component_(component), filter_(filter), errors_(errors) {}
+
+  // Names in [Diff Pin] rows count as paired whether or not their row is valid.
+  void markPairedNames() {
+    for (const IBISDiffPin& row : component_.diffPins) {
+      setPaired(row.pin, true);
+      setPaired(row.inv_pin, true);
+    }
+  }
+
+  void indexPins() {
+    for (const IBISPin& pin : component_.pins) {
+      const std::int32_t place = pinsByName_.find(pin.name);
+      if (place == pinsByName_.absent) {
+        pinsByName_.add(pin.name);
+        firstPins_.push_back(&pin);
+      } else {
+        errors_.error(message::duplicatePin, pin.line, pin.name.str().c_str(),
+                      firstPins_[static_cast<std::size_t>(place)]->line);
+      }
+    }
+  }
+
+  void addPairs() {
+    for (const IBISDiffPin& row : component_.diffPins) {
+      const IBISPin* pin = findPin(row.pin);
+      const IBISPin* inverted = findPin(row.inv_pin);
+      reportMissingPins(row, pin, inverted);
+      if (pin != nullptr && inverted != nullptr) addPair(row, *pin, *inverted);
+    }
+  }
+
+  void addSingles() {
+    component_.pinEntries.reserve(component_.pinEntries.size() + component_.pins.size());
+    for (const IBISPin& pin : component_.pins) {
+      if (pin.model == nullptr || !filter_.wants(pin.name) || isPaired(pin.name)) continue;
+      useModel(*pin.model);
+      component_.pinEntries.push_back({.pin = &pin, .model = pin.model});
+    }
+  }
+
+ private:
+  const IBISPin* findPin(std::string_view name) const {
+    const std::int32_t place = pinsByName_.find(name);
+    return place == pinsByName_.absent ? nullptr : firstPins_[static_cast<std::size_t>(place)];
+  }
+
+  void reportMissingPins(const IBISDiffPin& row, const IBISPin* pin, const IBISPin* inverted) {
+    if (pin == nullptr) {
+      errors_.error(message::noninvertingPinUndefined, row.line, row.pin.str().c_str());
+    }
+    if (inverted == nullptr) {
+      errors_.error(message::invertingPinUndefined, row.line, row.inv_pin.str().c_str());
+    }
+  }
+
+  // A pair without models on both sides, or that nobody wants, stays marked: neither of its pins
+  // comes out singly.
+  void addPair(const IBISDiffPin& row, const IBISPin& pin, const IBISPin& inverted) {
+    if (pin.model == nullptr || inverted.model == nullptr) return;
+    if (pin.model->name != inverted.model->name) {
+      separate(row);
+    } else if (filter_.wants(row.pin) || filter_.wants(row.inv_pin)) {
+      useModel(*pin.model);
+      useModel(*inverted.model);
+      component_.pinEntries.push_back({&pin, &inverted, pin.model, inverted.model, &row});
+    }
+  }
+
+  // Two models make no pair; the user is told only about a pin that was asked for by name.
+  void separate(const IBISDiffPin& row) {
+    if (filter_.names(row.pin) || filter_.names(row.inv_pin)) {
+      errors_.warning(message::diffPinModelsDiffer, row.line, row.pin.str().c_str(),
+                      row.inv_pin.str().c_str());
+    }
+    setPaired(row.pin, false);
+    setPaired(row.inv_pin, false);
+  }
+
+  void useModel(IBISModel& model) {
+    if (usedModels_.contains(model.name)) return;
+    usedModels_.add(model.name);
+    component_.models.push_back(&model);
+  }
+
+  void setPaired(std::string_view name, bool isPaired) {
+    const auto place = static_cast<std::size_t>(pairedNames_.findOrAdd(name));
+    if (place == paired_.size()) paired_.push_back(false);
+    paired_[place] = isPaired;
+  }
+
+  bool isPaired(std::string_view name) const {
+    const std::int32_t place = pairedNames_.find(name);
+    return place != pairedNames_.absent && paired_[static_cast<std::size_t>(place)];
+  }
+
+  IBISComponent& component_;
+  const PinFilter& filter_;
+  IBISErrorHandler& errors_;
+  NameIndex<ExactCase> pinsByName_;
+  std::vector<const IBISPin*> firstPins_;
+  NameIndex<ExactCase> pairedNames_;
+  std::vector<bool> paired_;
+  NameIndex<ExactCase> usedModels_;
+};
+
+// No strict order where numbers and other names meet.
+bool entryLess(const IBISPinEntry& a, const IBISPinEntry& b) {
+  if (!a.isPair() || a.pin->name != b.pin->name) return naturalLess(a.pin->name, b.pin->name);
+  return naturalLess(a.invertedPin->name, b.invertedPin->name);
+}
+
+void buildPinEntries(IBISComponent& component, const PinFilter& filter, IBISErrorHandler& errors) {
+  EntryBuilder builder(component, filter, errors);
+  builder.markPairedNames();
+  builder.indexPins();
+  builder.addPairs();
+  const std::size_t pairs = component.pinEntries.size();
+  builder.addSingles();
+  const std::span<IBISPinEntry> entries(component.pinEntries);
+  mergeSort(entries.first(pairs), entryLess);
+  mergeSort(entries.subspan(pairs), entryLess);
+}
+
+void applyPackageDefaults(IBISComponent& component) {
+  for (IBISPin& pin : component.pins) {
+    if (pin.hasOwnRLC) continue;
+    pin.R_pin = component.package.R_pkg;
+    pin.L_pin = component.package.L_pkg;
+    pin.C_pin = component.package.C_pkg;
+  }
+}
+
+bool isNumber(std::string_view name) {
+  return std::ranges::all_of(name, [](char c) { return c >= '0' && c <= '9'; });
+}
+
+}  // namespace
+
+bool naturalLess(std::string_view a, std::string_view b) {
+  if (isNumber(a) && isNumber(b)) return parseInteger(a) < parseInteger(b);
+  return a < b;  // string_view compares unsigned bytes
+}
+
+void prepareComponent(IBISComponent& component, const ModelFinder& models,
+                      const PinFilter& pinFilter, IBISErrorHandler& errors) {
+  resolvePinModels(component, models, errors);
+  buildPinEntries(component, pinFilter, errors);
+  applyPackageDefaults(component);
+}
+
+}  // namespace ibis

@@ -1,0 +1,158 @@
+#include <algorithm>
+#include <cstdlib>
+#include <exception>
+
+#include "host/format_message.h"
+#include "host/load_sequence.h"
+#include "host/messages.h"
+#include "support/script_function.h"
+
+namespace ibis {
+namespace {
+
+constexpr std::int32_t sourceArgument = 0;
+constexpr std::int32_t modeArgument = 1;
+constexpr std::int32_t pinsArgument = 2;
+constexpr std::int32_t selectionsArgument = 3;
+
+constexpr std::size_t fixedSlots = 4;
+
+// The host asks for no count of argument 0, so its first string is taken as it is there.
+std::string firstString(const FuncArgsMinimal& arguments, std::int32_t argument) {
+  const char* const* strings = arguments.stringArray(argument);
+  return strings != nullptr && strings[0] != nullptr ? strings[0] : "";
+}
+
+std::vector<std::string> allStrings(const FuncArgsMinimal& arguments, std::int32_t argument) {
+  const char* const* strings = arguments.stringArray(argument);
+  const std::int32_t count = strings != nullptr ? arguments.stringCount(argument) : 0;
+  std::vector<std::string> copies;
+  for (std::int32_t i = 0; i < count; ++i) {
+    copies.emplace_back(strings[i] != nullptr ? strings[i] : "");
+  }
+  return copies;
+}
+
+LoadRequest takeRequest(const FuncArgsMinimal& arguments) {
+  std::vector<std::string> settings = allStrings(arguments, modeArgument);
+  settings.resize(std::max<std::size_t>(settings.size(), 4));
+  return {.source = firstString(arguments, sourceArgument),
+          .mode = settings[0],
+          .component = settings[1],
+          .rootDirectory = settings[2],
+          .subcircuit = settings[3],
+          .pins = allStrings(arguments, pinsArgument),
+          .selections = allStrings(arguments, selectionsArgument)};
+}
+
+const char* statusText(const IBISFileData& file) {
+  if (!file.errors.empty()) return "2";
+  return file.warnings.empty() ? "0" : "1";
+}
+
+// Heap strings on their way to the host; what does not arrive is released.
+class HeapStrings {
+ public:
+  explicit HeapStrings(std::size_t count) { strings_.reserve(count); }
+  ~HeapStrings() {
+    for (char* text : strings_) std::free(text);
+  }
+  HeapStrings(const HeapStrings&) = delete;
+  HeapStrings& operator=(const HeapStrings&) = delete;
+
+  // Takes over the text.
+  void add(char* text) { strings_.push_back(text); }
+
+  void handOver(FuncResultMinimal& result) {
+    char** slots = result.allocateStrings(static_cast<std::int32_t>(strings_.size()));
+    std::ranges::copy(strings_, slots);
+    strings_.clear();
+  }
+
+ private:
+  std::vector<char*> strings_;
+};
+
+// Slots: status, root directory, number of warnings, number of errors, warnings, errors.
+void fillResult(const IBISFileData& file, const YString& rootDirectory, FuncResultMinimal& result) {
+  HeapStrings strings(file.warnings.size() + file.errors.size() + fixedSlots);
+  strings.add(duplicateText(statusText(file)));
+  strings.add(rootDirectory.copy());
+  strings.add(YString(static_cast<std::int32_t>(file.warnings.size())).detach());
+  strings.add(YString(static_cast<std::int32_t>(file.errors.size())).detach());
+  for (const std::string& text : file.warnings) strings.add(duplicateText(text.c_str()));
+  for (const std::string& text : file.errors) strings.add(duplicateText(text.c_str()));
+  strings.handOver(result);
+}
+
+// A failure of the program is one more error of the load, beside what was found until then.
+void runLoad(const FuncArgsMinimal& arguments, FuncResultMinimal& result) {
+  LoadRequest request = takeRequest(arguments);
+  const YString rootDirectory = request.rootDirectory.c_str();
+  Load load(std::move(request));
+  try {
+    load.read();
+    load.write();
+  } catch (const std::exception& fault) {
+    load.file().error(message::loadFailed, fault.what());
+  }
+  fillResult(load.file().data(), rootDirectory, result);
+}
+
+// For a failure that came before there was a file to hold it, or after it was to be reported.
+void reportFailure(const char* reason, FuncResultMinimal& result) {
+  HeapStrings strings(fixedSlots + 1);
+  for (const char* text : {"2", "", "0", "1"}) strings.add(duplicateText(text));
+  strings.add(duplicateText(formatMessage(message::loadFailed, reason).c_str()));
+  strings.handOver(result);
+}
+
+// Without memory even for that the host gets a result without strings.
+void loadOrReport(const FuncArgsMinimal& arguments, FuncResultMinimal& result) {
+  try {
+    try {
+      runLoad(arguments, result);
+    } catch (const std::exception& fault) {
+      reportFailure(fault.what(), result);
+    }
+  } catch (const std::exception&) {
+    return;
+  }
+}
+
+// The host waits for the end of every call, also of one that an exception leaves.
+class FinishGuard {
+ public:
+  explicit FinishGuard(FuncResultMinimal& result) : result_(result) {}
+  ~FinishGuard() { result_.finish(); }
+  FinishGuard(const FinishGuard&) = delete;
+  FinishGuard& operator=(const FinishGuard&) = delete;
+
+ private:
+  FuncResultMinimal& result_;
+};
+
+// The inner layer holds a reference of its own to the handler, which it never writes to.
+FUNC_ERROR loadWithHandler(const FuncArgsMinimal& arguments, FuncResultMinimal& result,
+                           [[maybe_unused]] const YRef<MessageHandler> handler) {
+  loadOrReport(arguments, result);
+  return FUNC_ERROR::success;
+}
+
+FUNC_ERROR IBIS_Load(const FuncArgsMinimal& arguments, FuncResultMinimal* result,
+                     YRef<MessageHandler> handler, const ScpParseContext&, const FunctionRunTime&) {
+  const FinishGuard finish(*result);
+  return loadWithHandler(arguments, *result, handler);
+}
+
+// Nothing sets this; set, it would leave the group out of the registration.
+bool hasNoGroup;
+
+const FuncConstruct registration("IBIS_Load",
+                                 {argType::stringArray, argType::stringArray, argType::stringArray,
+                                  argType::stringArray},
+                                 {}, 2, 4, IBIS_Load, hasNoGroup ? "" : "Ibis",
+                                 PythonReturnType::stringArray, FunctionOption());
+
+}  // namespace
+}  // namespace ibis

@@ -1,0 +1,146 @@
+#include "host/load_sequence.h"
+
+#include "host/messages.h"
+#include "output/embedded_templates.h"
+#include "output/template_engine.h"
+#include "reader/parser.h"
+#include "support/files.h"
+
+namespace ibis {
+namespace {
+
+constexpr std::size_t longestSelection = 255;
+
+// text of the mode, number, templates in the order of expansion
+struct ModeRow {
+  std::string_view text;
+  OutputMode mode;
+  std::string_view templates[2];
+};
+
+constexpr ModeRow modes[] = {
+    {"", OutputMode::model, {"component.tmpl", "info.tmpl"}},
+    {"script", OutputMode::script, {"script.tmpl"}},
+    {"model", OutputMode::model, {"component.tmpl", "info.tmpl"}},
+    // No such template exists: the mode passes every check and writes nothing.
+    {"symbol", OutputMode::symbol, {"symbol.tmpl"}},
+    {"package", OutputMode::package, {"package.tmpl"}},
+};
+
+const ModeRow* findMode(OutputMode mode) {
+  for (const ModeRow& row : modes) {
+    if (row.mode == mode) return &row;
+  }
+  return nullptr;
+}
+
+char unescaped(char c) {
+  switch (c) {
+    case 'f':
+      return '\f';
+    case 'n':
+      return '\n';
+    case 'r':
+      return '\r';
+    case 's':
+      return ' ';
+    case 't':
+      return '\t';
+    default:
+      return c;
+  }
+}
+
+}  // namespace
+
+OutputMode outputMode(std::string_view text) {
+  for (const ModeRow& row : modes) {
+    if (equalIgnoringCase(row.text, text)) return row.mode;
+  }
+  return OutputMode::unknown;
+}
+
+std::string withoutEscapes(std::string_view text) {
+  std::string plain;
+  bool escaped = false;
+  for (const char c : text) {
+    if (plain.size() == longestSelection) break;
+    if (!escaped && c == '\\') {
+      escaped = true;
+      continue;
+    }
+    plain += escaped ? unescaped(c) : c;
+    escaped = false;
+  }
+  return plain;
+}
+
+Load::Load(LoadRequest request)
+    : request_(std::move(request)),
+      mode_(outputMode(request_.mode)),
+      component_(request_.component),
+      pinFilter_(request_.pins.begin(), request_.pins.end()) {}
+
+void Load::read() {
+  takeOptions();
+  if (request_.source.empty()) {
+    file_.error(message::cannotOpenSource, "");
+    return;
+  }
+  sourceWasRead_ = text_.loadFile(request_.source);
+  if (sourceWasRead_) readSource();
+  if (!component_.empty()) checkComponent();
+  if (mode_ == OutputMode::unknown) file_.error(message::unknownMode);
+}
+
+void Load::takeOptions() {
+  for (const std::string& selection : request_.selections) {
+    file_.addUserModelSelector(withoutEscapes(selection));
+  }
+  if (!request_.subcircuit.empty()) file_.setUserSubcircuitName(request_.subcircuit);
+}
+
+void Load::readSource() {
+  file_.setFilePath(sp_GetFullPath(request_.source.c_str()).text());
+  scan_ = scanIBISText(text_.text());
+  std::int32_t index = 0;
+  parseFile(file_, scan_.records, index);
+  if (!file_.hasErrors()) postParse(file_, component_, pinFilter_);
+  // The texts behind the records are still in use, the records themselves are not.
+  scan_.records = {};
+}
+
+void Load::checkComponent() {
+  std::string packageModel;
+  if (!file_.hasComponent(component_)) {
+    file_.error(message::componentNotFound, component_.str().c_str());
+  } else if (mode_ == OutputMode::package && !file_.packageModelFor(component_, packageModel)) {
+    file_.error(message::packageModelMissing, component_.str().c_str(), packageModel.c_str());
+  }
+}
+
+// Asked for by name it is the last of that name, although the first was prepared.
+const IBISComponent* Load::chosenComponent() const {
+  const auto& components = file_.data().components;
+  if (component_.empty()) return components.empty() ? nullptr : components.front().get();
+  for (auto candidate = components.rbegin(); candidate != components.rend(); ++candidate) {
+    if ((*candidate)->name == component_) return candidate->get();
+  }
+  return nullptr;
+}
+
+// One engine runs both templates: what the first opened or set is seen by the second.
+std::vector<std::string> Load::write() {
+  const IBISComponent* component = chosenComponent();
+  const ModeRow* row = findMode(mode_);
+  if (file_.hasErrors() || component == nullptr || row == nullptr) return {};
+  TemplateEngine engine(file_.data(), component, request_.rootDirectory, file_);
+  for (std::string_view name : row->templates) {
+    TextBuffer text;
+    if (loadEmbedded(text, name)) engine.expand(text);
+  }
+  engine.closeOutputFile();
+  return engine.generatedFiles();
+}
+
+}  // namespace ibis

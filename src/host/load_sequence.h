@@ -1,0 +1,69 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "reader/file.h"
+#include "reader/scanner.h"
+#include "reader/text_buffer.h"
+
+namespace ibis {
+
+/// What a load writes.
+enum class OutputMode { script, model, symbol, package, unknown };
+
+/// The mode that a text names in any case; the empty text names `model`.
+OutputMode outputMode(std::string_view text);
+
+/// What a caller asks of one load.
+struct LoadRequest {
+  std::string source;             ///< Name of the IBIS file, as the caller gives it.
+  std::string mode;               ///< Text of the output mode.
+  std::string component;          ///< Empty for all components, of which the first is written.
+  std::string rootDirectory;      ///< Where output files go.
+  std::string subcircuit;         ///< Empty if the caller gives none.
+  std::vector<std::string> pins;  ///< The pins wanted; none for all.
+  std::vector<std::string> selections;  ///< Descriptions of selector rows, with escapes.
+};
+
+/// One load: the file with all that was found wrong with it, and what its records point into.
+class Load {
+ public:
+  explicit Load(LoadRequest request);
+
+  /// Reads and checks the file; afterwards its errors tell whether anything may be written.
+  void read();
+
+  /// Writes the mode's files if no error stands, and gives the names of those that were opened.
+  std::vector<std::string> write();
+
+  IBISFile& file() { return file_; }
+  const IBISFile& file() const { return file_; }
+  OutputMode mode() const { return mode_; }
+
+  /// Whether the source could be opened and read whole.
+  bool sourceWasRead() const { return sourceWasRead_; }
+
+  /// The component that write() writes: the last of the name, the file's first without a name.
+  const IBISComponent* chosenComponent() const;
+
+ private:
+  void takeOptions();
+  void readSource();
+  void checkComponent();
+
+  LoadRequest request_;
+  OutputMode mode_;
+  IBISString component_;
+  std::vector<IBISString> pinFilter_;
+  TextBuffer text_;
+  IBISScanResult scan_;
+  bool sourceWasRead_ = false;
+  IBISFile file_;
+};
+
+/// A selector choice without its backslash escapes, cut to 255 characters.
+std::string withoutEscapes(std::string_view text);
+
+}  // namespace ibis

@@ -1,0 +1,16 @@
+#include "host/messages.h"
+
+namespace ibis {
+namespace {
+
+constexpr MessageRow rows[] = {
+#define IBIS_MESSAGE(identifier, text) {#identifier, text},
+#include "host/messages.def"
+#undef IBIS_MESSAGE
+};
+
+}  // namespace
+
+std::span<const MessageRow> messageTable() { return rows; }
+
+}  // namespace ibis

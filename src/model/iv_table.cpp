@@ -1,0 +1,102 @@
+#include "model/iv_table.h"
+
+#include <array>
+
+#include "host/messages.h"
+
+namespace ibis {
+namespace {
+
+std::array<YVector<double>*, 4> allLists(IBISTable& table) {
+  return {&table.voltage, &table.typ, &table.max, &table.min};
+}
+
+void appendRow(IBISTable& table, Fields& fields) {
+  const double typ = parseNumber(fields.at(1), 0.0);
+  table.voltage.append(parseNumber(fields.at(0), 0.0));
+  table.typ.append(typ);
+  table.min.append(parseNumber(fields.at(2), typ));
+  table.max.append(parseNumber(fields.at(3), typ));
+}
+
+std::int32_t directionOf(const YVector<double>& voltage) {
+  const bool falls = !voltage.empty() && voltage[voltage.size() - 1] < voltage[0];
+  return falls ? IBISTable::descending : IBISTable::ascending;
+}
+
+bool breaksMonotony(std::int32_t direction, double voltage, double last) {
+  return direction == IBISTable::descending ? voltage >= last : voltage <= last;
+}
+
+// Each point is held against the latest one kept, so a run behind a backward jump goes whole.
+// Points ahead of `first` are known to be in order.
+bool dropBreakingPoints(IBISTable& table, std::int32_t first) {
+  std::int32_t kept = first;
+  for (std::int32_t i = first; i < table.voltage.size(); ++i) {
+    if (breaksMonotony(table.direction, table.voltage[i], table.voltage[kept - 1])) continue;
+    for (YVector<double>* list : allLists(table)) list->at(kept) = list->at(i);
+    ++kept;
+  }
+  if (kept >= table.voltage.size()) return false;
+  for (YVector<double>* list : allLists(table)) list->shorten(kept);
+  return true;
+}
+
+void appendRows(IBISTable& table, IBISRecords records, std::int32_t& cursor) {
+  if (table.voltage.empty()) {
+    const auto rows = static_cast<std::size_t>(countDataLines(records, cursor));
+    for (YVector<double>* list : allLists(table)) list->reserve(rows);
+  }
+  Fields fields;
+  std::string_view text;
+  while (nextDataLine(records, cursor, text)) {
+    fields.clear();
+    splitFields(text, fields, 4, notAvailable);
+    appendRow(table, fields);
+  }
+}
+
+}  // namespace
+
+void readTable(IBISTable& table, IBISRecords records, std::int32_t& cursor,
+               IBISErrorHandler& errors, const char* tableName) {
+  const std::int32_t line = recordAt(records, cursor).line;
+  const std::int32_t rowsBefore = table.voltage.size();
+  const std::int32_t directionBefore = table.direction;
+  table.present = true;
+  appendRows(table, records, cursor);
+  table.direction = directionOf(table.voltage);
+  // A repeated keyword adds to the table; what it held is in order as long as it did not turn.
+  const bool turned = table.direction != directionBefore;
+  const std::int32_t first = turned || rowsBefore == 0 ? 1 : rowsBefore;
+  if (dropBreakingPoints(table, first)) errors.warning(message::pointsRemoved, tableName, line);
+}
+
+void evaluateTable(const IBISTable& table, double& value, double& slope, double x, int corner) {
+  if (!table.present) return;
+  const YVector<double>& current = table.corner(corner);
+  const std::int32_t last = table.voltage.size() - 1;
+  const bool descends = table.direction == IBISTable::descending;
+  const auto index = [&](std::int32_t position) { return descends ? last - position : position; };
+  const auto at = [](const YVector<double>& list, std::int32_t i) { return i < 0 ? 0.0 : list[i]; };
+
+  std::int32_t low = 1;
+  std::int32_t high = last;
+  while (low < high) {
+    const std::int32_t middle = low + (high - low) / 2;
+    if (table.voltage[index(middle)] < x) {
+      low = middle + 1;
+    } else {
+      high = middle;
+    }
+  }
+  const std::int32_t upper = last <= 1 ? 1 : low;
+  const double x0 = at(table.voltage, index(upper - 1));
+  const double y0 = at(current, index(upper - 1));
+  const double x1 = at(table.voltage, index(upper));
+  const double y1 = at(current, index(upper));
+  slope = (y1 - y0) / (x1 - x0);
+  value = (y1 - y0) / (x1 - x0) * (x - x0) + y0;
+}
+
+}  // namespace ibis

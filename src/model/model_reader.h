@@ -1,0 +1,33 @@
+#pragma once
+
+#include "component/name_table.h"
+#include "host/diagnostics.h"
+#include "model/model.h"
+#include "reader/scanner.h"
+
+namespace ibis {
+
+/// Fills a model from the [Model] record at the cursor.
+///
+/// 1 if a keyword closed the section, with the cursor one ahead of it; 0 if the records ran out.
+int readModelSection(IBISModel& model, IBISRecords records, std::int32_t& cursor,
+                     IBISNameTable& nameTable, IBISErrorHandler& errors);
+
+/// Reads name and sub-parameter lines; the cursor is left on the last of them.
+void readModelSubParameters(IBISModel& model, IBISRecords records, std::int32_t& cursor,
+                            IBISNameTable& nameTable, IBISErrorHandler& errors);
+
+/// Reads the triples behind [Model Spec]; the cursor is left on the last line.
+void readModelSpec(IBISModel& model, IBISRecords records, std::int32_t& cursor);
+
+/// State of a series switch while a [Model] section is read.
+enum class SeriesState { on, off, notGiven };
+
+/// Reads a [Series MOSFET] table, which is dropped while the state is not given.
+void readSeriesMosfet(IBISModel& model, IBISRecords records, std::int32_t& cursor,
+                      SeriesState state, IBISErrorHandler& errors);
+
+/// Takes the first word off a line; the one separator behind it goes too, the rest stays.
+IBISString popToken(std::string_view& line);
+
+}  // namespace ibis

@@ -1,0 +1,166 @@
+#include "model/numbers.h"
+
+#include <locale.h>
+#include <stdlib.h>
+
+#include <charconv>
+#include <cstring>
+#include <limits>
+#include <string>
+#include <system_error>
+
+namespace ibis {
+namespace {
+
+constexpr double missingSingleValue = 0.8;
+
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
+std::size_t countSpaces(std::string_view text) {
+  std::size_t count = 0;
+  while (count < text.size() && isSpace(text[count])) ++count;
+  return count;
+}
+
+// Outlives no load: the plug-in may be unloaded and loaded again.
+class CLocale {
+ public:
+  CLocale() : locale_(newlocale(LC_ALL_MASK, "C", nullptr)) {}
+  ~CLocale() { freelocale(locale_); }
+  CLocale(const CLocale&) = delete;
+  CLocale& operator=(const CLocale&) = delete;
+  locale_t get() const { return locale_; }
+
+ private:
+  locale_t locale_;
+};
+
+const CLocale cLocale;
+
+// Hexadecimal numbers, infinities, not-a-numbers and those beyond the range of a double.
+NumberPrefix readUnusualNumber(std::string_view text) {
+  const std::string copy(text);
+  char* end = nullptr;
+  const double value = strtod_l(copy.c_str(), &end, cLocale.get());
+  return {value, static_cast<std::size_t>(end - copy.c_str())};
+}
+
+bool looksDecimal(std::string_view digits) {
+  if (digits.empty() || !(isDigit(digits[0]) || digits[0] == '.')) return false;
+  return digits.size() < 2 || digits[0] != '0' || (digits[1] != 'x' && digits[1] != 'X');
+}
+
+double unitFactor(char c) {
+  switch (c) {
+    case 'T':
+      return 1e12;
+    case 'G':
+      return 1e9;
+    case 'M':
+      return 1e6;
+    case 'k':
+      return 1e3;
+    case 'm':
+      return 1e-3;
+    case 'u':
+      return 1e-6;
+    case 'n':
+      return 1e-9;
+    case 'p':
+      return 1e-12;
+    case 'f':
+      return 1e-15;
+    default:
+      return 1.0;
+  }
+}
+
+}  // namespace
+
+NumberPrefix readNumber(std::string_view text) {
+  std::size_t begin = countSpaces(text);
+  if (begin == text.size()) return {};
+  const bool negative = text[begin] == '-';
+  if (negative || text[begin] == '+') ++begin;
+  if (!looksDecimal(text.substr(begin))) return readUnusualNumber(text);
+  double value = 0.0;
+  const char* const first = text.data() + begin;
+  const auto [end, fault] = std::from_chars(first, text.data() + text.size(), value);
+  if (fault == std::errc::result_out_of_range) return readUnusualNumber(text);
+  if (fault != std::errc()) return {};
+  return {negative ? -value : value, static_cast<std::size_t>(end - text.data())};
+}
+
+double parseNumber(std::string_view text, double fallback) {
+  if (text == notAvailable) return fallback;
+  const NumberPrefix number = readNumber(text);
+  if (number.length == text.size()) return number.value;
+  return number.value * unitFactor(text[number.length]);
+}
+
+std::int32_t parseInteger(std::string_view text) {
+  std::size_t place = countSpaces(text);
+  const bool negative = place < text.size() && text[place] == '-';
+  if (place < text.size() && (negative || text[place] == '+')) ++place;
+  constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
+  std::int64_t value = 0;
+  for (; place < text.size() && isDigit(text[place]); ++place) {
+    const int digit = text[place] - '0';
+    if (value > (largest - digit) / 10) {
+      // As the C library: the long integer saturates and its low half is what atoi gives.
+      return static_cast<std::int32_t>(negative ? std::numeric_limits<std::int64_t>::min()
+                                                : largest);
+    }
+    value = value * 10 + digit;
+  }
+  return static_cast<std::int32_t>(negative ? -value : value);
+}
+
+void splitFields(std::string_view text, Fields& fields, std::int32_t minimumCount,
+                 std::string_view filler, std::string_view separators) {
+  const auto isSeparator = [separators](char c) {
+    return separators.find(c) != std::string_view::npos;
+  };
+  const char* c = text.data();
+  const char* const end = c + text.size();
+  while (true) {
+    while (c != end && isSeparator(*c)) ++c;
+    if (c == end) break;
+    const char* const begin = c;
+    while (c != end && !isSeparator(*c)) ++c;
+    fields.append({begin, static_cast<std::size_t>(c - begin)});
+  }
+  while (fields.size() < minimumCount) fields.append(filler);
+}
+
+void readTriple(std::string_view text, IBISTriple& triple) {
+  Fields fields;
+  splitFields(text, fields, 3);
+  triple.present = true;
+  triple.typ = parseNumber(fields.at(0), 0.0);
+  triple.min = parseNumber(fields.at(1), triple.typ);
+  triple.max = parseNumber(fields.at(2), triple.typ);
+}
+
+void readSingleAsTriple(std::string_view text, IBISTriple& triple) {
+  Fields fields;
+  splitFields(text, fields, 2, {}, delimiters::blanksAndEqual);
+  const double value = parseNumber(fields.at(0), missingSingleValue);
+  triple = {true, value, value, value};
+}
+
+void readRatio(std::string_view text, double& numerator, double& denominator,
+               double numeratorFallback, double denominatorFallback) {
+  if (text == notAvailable) {
+    numerator = numeratorFallback;
+    denominator = denominatorFallback;
+    return;
+  }
+  Fields fields;
+  splitFields(text, fields, 2, {}, delimiters::slash);
+  numerator = parseNumber(fields.at(0), numeratorFallback);
+  denominator = parseNumber(fields.at(1), denominatorFallback);
+}
+
+}  // namespace ibis

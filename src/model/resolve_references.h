@@ -1,0 +1,14 @@
+#pragma once
+
+#include "host/diagnostics.h"
+#include "model/model.h"
+
+namespace ibis {
+
+/// Fills the four reference voltages from [Voltage Range] and reports those that stay unknown.
+///
+/// False if a table has no reference. References that differ between a driver and its clamps are
+/// errors that do not change the result.
+bool resolveReferences(IBISModel& model, IBISErrorHandler& errors);
+
+}  // namespace ibis

@@ -1,0 +1,128 @@
+#include "model/waveform.h"
+
+#include "model/model_types.h"
+
+namespace ibis {
+namespace {
+
+const IBISWaveform emptyWaveform;
+
+// sub-parameter, value of the waveform that it sets
+struct FixtureField {
+  std::int32_t id;
+  IBISOptional IBISWaveform::*value;
+};
+
+constexpr FixtureField fixtureFields[] = {
+    {subparameter::rFixture, &IBISWaveform::rFixture},
+    {subparameter::vFixture, &IBISWaveform::vFixture},
+    {subparameter::vFixtureMin, &IBISWaveform::vFixtureMin},
+    {subparameter::vFixtureMax, &IBISWaveform::vFixtureMax},
+    {subparameter::cFixture, &IBISWaveform::cFixture},
+    {subparameter::lFixture, &IBISWaveform::lFixture},
+    {subparameter::rDut, &IBISWaveform::rDut},
+    {subparameter::lDut, &IBISWaveform::lDut},
+    {subparameter::cDut, &IBISWaveform::cDut},
+};
+
+void setFixtureValue(IBISWaveform& waveform, std::int32_t id, std::string_view text) {
+  for (const FixtureField& field : fixtureFields) {
+    if (field.id == id) waveform.*field.value = {true, parseNumber(text, 0.0)};
+  }
+}
+
+// Stops ahead of the first line whose first word is no sub-parameter: the rows begin there.
+void readFixtureLines(IBISWaveform& waveform, IBISRecords records, std::int32_t& cursor) {
+  Fields fields;
+  std::string_view text;
+  while (nextDataLine(records, cursor, text)) {
+    fields.clear();
+    splitFields(text, fields, 2, {}, delimiters::blanksAndEqual);
+    const std::int32_t id = subParameterId(IBISString(fields.at(0)));
+    if (id == subparameter::none) {
+      --cursor;
+      return;
+    }
+    setFixtureValue(waveform, id, fields.at(1));
+  }
+}
+
+void readRows(IBISWaveform& waveform, IBISRecords records, std::int32_t& cursor) {
+  const auto rows = static_cast<std::size_t>(countDataLines(records, cursor));
+  for (YVector<double>* list : {&waveform.time, &waveform.typ, &waveform.max, &waveform.min}) {
+    list->reserve(rows);
+  }
+  Fields fields;
+  std::string_view text;
+  while (nextDataLine(records, cursor, text)) {
+    fields.clear();
+    splitFields(text, fields, 4);
+    const double typ = parseNumber(fields.at(1), 0.0);
+    waveform.time.append(parseNumber(fields.at(0), 0.0));
+    waveform.typ.append(typ);
+    waveform.min.append(parseNumber(fields.at(2), typ));
+    waveform.max.append(parseNumber(fields.at(3), typ));
+  }
+}
+
+void readRampLine(IBISTriple& swing, IBISTriple& time, Fields& fields) {
+  readRatio(fields.at(1), swing.typ, time.typ, 0.0, 0.0);
+  readRatio(fields.at(2), swing.min, time.min, swing.typ, time.typ);
+  readRatio(fields.at(3), swing.max, time.max, swing.typ, time.typ);
+}
+
+void addFirst(WaveformSelection& selection, const std::vector<IBISWaveform>& list,
+              std::size_t count) {
+  for (std::size_t i = 0; i < count; ++i) {
+    selection.items[selection.count++] = i < list.size() ? &list[i] : &emptyWaveform;
+  }
+}
+
+}  // namespace
+
+void readWaveform(IBISRecords records, std::int32_t& cursor, std::vector<IBISWaveform>& list) {
+  IBISWaveform& waveform = list.emplace_back();
+  waveform.present = true;
+  readFixtureLines(waveform, records, cursor);
+  readRows(waveform, records, cursor);
+}
+
+void readRamp(IBISModel& model, IBISRecords records, std::int32_t& cursor) {
+  constexpr double usualLoad = 50.0;
+  Fields fields;
+  std::string_view text;
+  while (nextDataLine(records, cursor, text)) {
+    fields.clear();
+    splitFields(text, fields, 4, {}, delimiters::blanksAndEqual);
+    const std::string_view word = fields.at(0);
+    if (word == "dV/dt_r") {
+      readRampLine(model.rampDvRise, model.rampDtRise, fields);
+    } else if (word == "dV/dt_f") {
+      readRampLine(model.rampDvFall, model.rampDtFall, fields);
+    } else if (word == "R_load") {
+      model.rLoad = {true, parseNumber(fields.at(1), usualLoad)};
+    }
+  }
+}
+
+IBISTriple fixtureVoltages(const IBISWaveform& waveform) {
+  const auto orTyp = [&](const IBISOptional& corner) {
+    return corner.present ? corner.value : waveform.vFixture.value;
+  };
+  return {waveform.vFixture.present, waveform.vFixture.value, orTyp(waveform.vFixtureMax),
+          orTyp(waveform.vFixtureMin)};
+}
+
+IBISOptional fixtureResistance(const IBISWaveform& waveform) { return waveform.rFixture; }
+
+WaveformSelection selectWaveforms(const IBISModel& model) {
+  WaveformSelection selection;
+  const std::size_t perEdge = hasPushPullOutput(model.type)   ? 2
+                              : hasOneSidedOutput(model.type) ? 1
+                                                              : 0;
+  addFirst(selection, model.risingWaveforms, perEdge);
+  addFirst(selection, model.fallingWaveforms, perEdge);
+  return selection;
+}
+
+}  // namespace ibis

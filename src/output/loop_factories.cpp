@@ -1,0 +1,166 @@
+#include "output/loop_factories.h"
+
+#include "model/model_types.h"
+#include "output/loop_objects.h"
+#include "output/output_run.h"
+#include "reader/name_index.h"
+
+namespace ibis {
+namespace {
+
+// A half pair counts as single, whatever else the entry says.
+IBISPinEntry pairOrSingle(const IBISPinEntry& entry) {
+  return entry.isPair() ? entry : IBISPinEntry{.pin = entry.pin, .model = entry.model};
+}
+
+void addPinsOfType(LoopItems& items, const OutputRun& run, ModelType type) {
+  if (run.component() == nullptr) return;
+  for (const IBISPinEntry& entry : run.component()->pinEntries) {
+    if (entry.model->type != type) continue;
+    items.append<ForEachPin>(pairOrSingle(entry), *run.component());
+  }
+}
+
+bool addPinsOfTypes(LoopItems& items, const OutputRun& run,
+                    std::initializer_list<ModelType> types) {
+  for (const ModelType type : types) addPinsOfType(items, run, type);
+  return true;
+}
+
+// Type texts of the file's models by name; a repeated name keeps its first model.
+class ModelTypeTexts {
+ public:
+  explicit ModelTypeTexts(const IBISFileData& file) {
+    for (const auto& model : file.models) {
+      if (names_.contains(model->name)) continue;
+      names_.add(model->name);
+      types_.push_back(model->type);
+    }
+  }
+
+  std::string find(std::string_view name) const {
+    const std::int32_t place = names_.find(name);
+    if (place == names_.absent) return modelTypeRow(ModelType::unknown).name;
+    return typeText(types_[static_cast<std::size_t>(place)]);
+  }
+
+ private:
+  NameIndex<ExactCase> names_;
+  std::vector<ModelType> types_;
+};
+
+void addWaveforms(LoopItems& items, const IBISModel& model, const std::vector<IBISWaveform>& list,
+                  std::int32_t transition) {
+  for (std::size_t i = 0; i < list.size(); ++i) {
+    items.append<ForEachWaveform>(model, static_cast<std::int32_t>(i), transition);
+  }
+}
+
+}  // namespace
+
+bool forAllModels(OutputRun& run, LoopItems& items) {
+  for (const auto& model : run.file().models) items.append<ForEachModel>(*model);
+  return true;
+}
+
+bool forEachModel(OutputRun& run, LoopItems& items) {
+  if (run.component() == nullptr) return true;
+  for (const IBISModel* model : run.component()->models) items.append<ForEachModel>(*model);
+  return true;
+}
+
+bool forEachComponent(OutputRun& run, LoopItems& items) {
+  for (const auto& component : run.file().components) items.append<ForEachComponent>(*component);
+  return true;
+}
+
+bool forEachPin(OutputRun& run, LoopItems& items) {
+  if (run.component() == nullptr) return true;
+  for (const IBISPin& pin : run.component()->pins) {
+    items.append<ForEachPin>(IBISPinEntry{.pin = &pin, .model = pin.model}, *run.component());
+  }
+  return true;
+}
+
+bool forEachSpicePin(OutputRun& run, LoopItems& items) {
+  if (run.component() == nullptr) return true;
+  for (const IBISPinEntry& entry : run.component()->pinEntries) {
+    items.append<ForEachPin>(pairOrSingle(entry), *run.component());
+  }
+  return true;
+}
+
+bool forEachFilePin(OutputRun& run, LoopItems& items) {
+  for (const auto& component : run.file().components) {
+    for (const IBISPinEntry& entry : component->pinEntries) {
+      items.append<ForEachPin>(entry, *component);
+    }
+  }
+  return true;
+}
+
+bool forEachGnd(OutputRun& run, LoopItems& items) {
+  return addPinsOfTypes(items, run, {ModelType::gnd});
+}
+
+bool forEachInput(OutputRun& run, LoopItems& items) {
+  return addPinsOfTypes(items, run, {ModelType::input});
+}
+
+bool forEachInputOutput(OutputRun& run, LoopItems& items) {
+  return addPinsOfTypes(items, run,
+                        {ModelType::inputOutput, ModelType::inputOutputOpenDrain,
+                         ModelType::inputOutputOpenSource, ModelType::inputOutputEcl});
+}
+
+bool forEachOutput(OutputRun& run, LoopItems& items) {
+  return addPinsOfTypes(
+      items, run,
+      {ModelType::output, ModelType::openDrain, ModelType::openSource, ModelType::outputEcl});
+}
+
+bool forEachPower(OutputRun& run, LoopItems& items) {
+  return addPinsOfTypes(items, run, {ModelType::power});
+}
+
+bool forEachTerminator(OutputRun& run, LoopItems& items) {
+  return addPinsOfTypes(items, run, {ModelType::terminator});
+}
+
+bool forEachThreeState(OutputRun& run, LoopItems& items) {
+  return addPinsOfTypes(items, run, {ModelType::threeState, ModelType::threeStateEcl});
+}
+
+bool forEachDiffPin(OutputRun& run, LoopItems& items) {
+  if (run.component() == nullptr) return true;
+  for (const IBISDiffPin& row : run.component()->diffPins) items.append<ForEachDiffPin>(row);
+  return true;
+}
+
+bool forEachWaveform(OutputRun& run, LoopItems& items) {
+  if (run.component() == nullptr) return true;
+  for (const IBISModel* model : run.component()->models) {
+    addWaveforms(items, *model, model->risingWaveforms, ForEachWaveform::rising);
+    addWaveforms(items, *model, model->fallingWaveforms, ForEachWaveform::falling);
+  }
+  return true;
+}
+
+bool forEachModelSelector(OutputRun& run, LoopItems& items) {
+  const ModelTypeTexts types(run.file());
+  for (const IBISModelSelector& selector : run.file().modelSelectors) {
+    for (const IBISModelSelectorRow& row : selector.rows) {
+      items.append<ForEachModelSelector>(row, selector.name, types.find(row.modelName));
+    }
+  }
+  return true;
+}
+
+bool forEachUserModelSelector(OutputRun& run, LoopItems& items) {
+  for (const IBISString name : run.file().modelSelections) {
+    items.append<ForEachUserModelSelector>(name);
+  }
+  return true;
+}
+
+}  // namespace ibis

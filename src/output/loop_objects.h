@@ -1,0 +1,93 @@
+#pragma once
+
+#include "component/component.h"
+#include "output/loop_object.h"
+#include "reader/file.h"
+
+namespace ibis {
+
+// The loop objects refer to the file's records, which do not change while templates are expanded.
+
+class ForEachModel final : public ForEachObject {
+ public:
+  explicit ForEachModel(const IBISModel& each) : model(each) {}
+  bool value(std::string_view keywordText, OutputStream* out, const KeywordPosition& position,
+             TextBuffer& text) const override;
+  bool isCondition(std::string_view name) const override;
+  bool evaluate(std::string_view name, const KeywordArguments& arguments) const override;
+
+  const IBISModel& model;
+};
+
+class ForEachPin final : public ForEachObject {
+ public:
+  /// A pin with what an entry of a component says of it; an entry's halves may be missing.
+  ForEachPin(const IBISPinEntry& each, const IBISComponent& owner)
+      : entry(each), component(owner) {}
+  bool value(std::string_view keywordText, OutputStream* out, const KeywordPosition& position,
+             TextBuffer& text) const override;
+  bool isCondition(std::string_view name) const override;
+  bool evaluate(std::string_view name, const KeywordArguments& arguments) const override;
+
+  IBISPinEntry entry;
+  const IBISComponent& component;
+};
+
+class ForEachComponent final : public ForEachObject {
+ public:
+  explicit ForEachComponent(const IBISComponent& each) : component(each) {}
+  bool value(std::string_view keywordText, OutputStream* out, const KeywordPosition& position,
+             TextBuffer& text) const override;
+
+  const IBISComponent& component;
+};
+
+class ForEachModelSelector final : public ForEachObject {
+ public:
+  ForEachModelSelector(const IBISModelSelectorRow& choice, IBISString selector, std::string type)
+      : row(choice), selectorName(selector), modelType(std::move(type)) {}
+  bool value(std::string_view keywordText, OutputStream* out, const KeywordPosition& position,
+             TextBuffer& text) const override;
+
+  const IBISModelSelectorRow& row;
+  IBISString selectorName;
+  std::string modelType;  ///< Type text of the row's model, "unknown" for none.
+};
+
+class ForEachUserModelSelector final : public ForEachObject {
+ public:
+  explicit ForEachUserModelSelector(IBISString choice) : userName(choice) {}
+  bool value(std::string_view keywordText, OutputStream* out, const KeywordPosition& position,
+             TextBuffer& text) const override;
+
+  IBISString userName;
+};
+
+class ForEachWaveform final : public ForEachObject {
+ public:
+  static constexpr std::int32_t rising = 0;
+  static constexpr std::int32_t falling = 1;
+
+  ForEachWaveform(const IBISModel& owner, std::int32_t place, std::int32_t edge)
+      : model(owner), index(place), transition(edge) {}
+  bool value(std::string_view keywordText, OutputStream* out, const KeywordPosition& position,
+             TextBuffer& text) const override;
+
+  /// The table itself.
+  const IBISWaveform& waveform() const;
+
+  const IBISModel& model;
+  std::int32_t index;       ///< In the model's list of that transition, from 0.
+  std::int32_t transition;  ///< 0 rising, 1 falling.
+};
+
+class ForEachDiffPin final : public ForEachObject {
+ public:
+  explicit ForEachDiffPin(const IBISDiffPin& each) : row(each) {}
+  bool value(std::string_view keywordText, OutputStream* out, const KeywordPosition& position,
+             TextBuffer& text) const override;
+
+  IBISDiffPin row;
+};
+
+}  // namespace ibis

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+namespace ibis {
+
+/// Room for any number at up to 17 digits: sign, digits, point and exponent.
+inline constexpr std::size_t longestNumberText = 32;
+
+/// Writes a number as printf's %.{digits}g does in the "C" locale and gives where it ends.
+///
+/// There must be room for longestNumberText characters; no NUL is written. A not-a-number is "nan"
+/// whatever its sign bit, which is the compiler's and not the file's.
+char* writeNumberText(char* begin, double value, int digits);
+
+/// The same as a string.
+std::string numberText(double value, int digits);
+
+}  // namespace ibis

@@ -1,0 +1,54 @@
+#include "output/output_run.h"
+
+#include <algorithm>
+#include <cstdarg>
+
+#include "host/format_message.h"
+#include "host/messages.h"
+
+namespace ibis {
+
+OutputRun::OutputRun(const IBISFileData& file, const IBISComponent* component,
+                     std::string rootDirectory, IBISErrorHandler& sink)
+    : file_(file), component_(component), rootDirectory_(std::move(rootDirectory)), sink_(sink) {}
+
+// Only an expansion that failed leaves a file open; there may be no memory left to report it.
+OutputRun::~OutputRun() {
+  try {
+    closeOutputFile();
+  } catch (...) {
+    out_.reset();
+  }
+}
+
+void OutputRun::openOutputFile(const std::string& name) {
+  // Opening a file anew empties it, which must not leave the end of the old text to be written.
+  if (out_) out_->flush();
+  std::unique_ptr<OutputStream> opened = OutputStream::open(name);
+  if (!opened) {
+    sink_.error(message::cannotOpenOutput, name.c_str());
+    return;
+  }
+  closeOutputFile();
+  out_ = std::move(opened);
+  if (std::ranges::find(generatedFiles_, name) == generatedFiles_.end()) {
+    generatedFiles_.push_back(name);
+  }
+}
+
+void OutputRun::closeOutputFile() {
+  if (!out_) return;
+  if (!out_->close()) sink_.error(message::cannotWriteOutput, out_->name().c_str());
+  out_.reset();
+}
+
+void OutputRun::reportError(const char* format, ...) {
+  const std::string wrapped = formatMessage(message::templateError, format);
+  std::va_list arguments;
+  va_start(arguments, format);
+  const std::string text = formatMessageList(wrapped.c_str(), arguments);
+  va_end(arguments);
+  sink_.error("%s", text.c_str());
+}
+
+}  // namespace ibis

@@ -1,0 +1,112 @@
+#include "model/model_types.h"
+#include "output/loop_keywords.h"
+#include "output/loop_objects.h"
+
+namespace ibis {
+namespace {
+
+constexpr int valueDigits = 12;
+constexpr int shortDigits = 6;
+
+// A pin of a component that was not prepared has no model; it then counts as of unknown type.
+ModelType typeOf(const ForEachPin& loop) {
+  return loop.entry.model != nullptr ? loop.entry.model->type : ModelType::unknown;
+}
+
+const char* polarityText(const ForEachPin& loop) {
+  if (loop.entry.model == nullptr) return "Undefined";
+  switch (loop.entry.model->polarity) {
+    case 0:
+      return "NonInverting";
+    case 1:
+      return "Inverting";
+    default:
+      return "Undefined";
+  }
+}
+
+template <IBISString IBISPin::*text>
+void writePinText(const ForEachPin& loop, OutputStream& out, std::int32_t) {
+  out.write(loop.entry.pin->*text);
+}
+
+template <IBISTriple IBISPin::*triple>
+void writePinTriple(const ForEachPin& loop, OutputStream& out, std::int32_t) {
+  writeTriple(out, loop.entry.pin->*triple, valueDigits);
+}
+
+using PinValue = LoopValueRow<ForEachPin>;
+
+// keyword, whether the blanks held back are written, writer
+constexpr PinValue values[] = {
+    {"pincomponentname", true,
+     [](const ForEachPin& loop, OutputStream& out, std::int32_t) {
+       out.write(loop.component.name);
+     }},
+    {"name", true, writePinText<&IBISPin::name>},
+    {"signalname", false, writePinText<&IBISPin::signal_name>},
+    {"spicename", false, writePinText<&IBISPin::spiceName>},
+    {"spicename_inv", false,
+     [](const ForEachPin& loop, OutputStream& out, std::int32_t) {
+       if (loop.entry.invertedPin != nullptr) out.write(loop.entry.invertedPin->spiceName);
+     }},
+    {"vdiff", false,
+     [](const ForEachPin& loop, OutputStream& out, std::int32_t) {
+       if (loop.entry.diffPin != nullptr) out.writeNumber(loop.entry.diffPin->vdiff, shortDigits);
+     }},
+    {"spicemodel", false,
+     [](const ForEachPin& loop, OutputStream& out, std::int32_t) {
+       if (loop.entry.model != nullptr) out.write(loop.entry.model->spiceName);
+     }},
+    {"type", false,
+     [](const ForEachPin& loop, OutputStream& out, std::int32_t) {
+       out.write(typeText(typeOf(loop)));
+     }},
+    {"pinmodelname", false, writePinText<&IBISPin::model_name>},
+    {"cap", true, writePinTriple<&IBISPin::C_pin>},
+    {"ind", true, writePinTriple<&IBISPin::L_pin>},
+    {"res", true, writePinTriple<&IBISPin::R_pin>},
+    {"polarity", false,
+     [](const ForEachPin& loop, OutputStream& out, std::int32_t) {
+       out.write(polarityText(loop));
+     }},
+};
+
+template <bool (*holds)(ModelType)>
+bool typeHolds(const ForEachPin& loop, const KeywordArguments&) {
+  return holds(typeOf(loop));
+}
+
+using PinCondition = LoopConditionRow<ForEachPin>;
+
+// keyword, test
+constexpr PinCondition conditions[] = {
+    {"iftype",
+     [](const ForEachPin& loop, const KeywordArguments& arguments) {
+       const std::string_view type = arguments.size() > 1 ? arguments[1].view() : "";
+       return typeText(typeOf(loop)) == type;
+     }},
+    {"ifhasoutput", typeHolds<hasOutput>},
+    {"ifhasinput", typeHolds<hasInput>},
+    {"ifhasenable", typeHolds<hasEnable>},
+    {"ifisdiff", [](const ForEachPin& loop,
+                    const KeywordArguments&) { return loop.entry.invertedPin != nullptr; }},
+};
+
+}  // namespace
+
+bool ForEachPin::value(std::string_view keywordText, OutputStream* out,
+                       const KeywordPosition& position, TextBuffer&) const {
+  return answerValue(std::span<const PinValue>(values), *this, keywordText, out, position);
+}
+
+bool ForEachPin::isCondition(std::string_view name) const {
+  return findRow(std::span<const PinCondition>(conditions), name) != nullptr;
+}
+
+bool ForEachPin::evaluate(std::string_view name, const KeywordArguments& arguments) const {
+  const PinCondition* row = findRow(std::span<const PinCondition>(conditions), name);
+  return row != nullptr && row->holds(*this, arguments);
+}
+
+}  // namespace ibis

@@ -1,0 +1,280 @@
+#include "package/package_reader.h"
+
+#include "host/messages.h"
+#include "model/numbers.h"
+
+namespace ibis {
+namespace {
+
+bool endsMatrix(std::int32_t id) {
+  return id == keyword::endModelData || id == keyword::resistanceMatrix ||
+         id == keyword::inductanceMatrix || id == keyword::capacitanceMatrix;
+}
+
+// Reads the rows of one matrix behind its keyword.
+class MatrixReader {
+ public:
+  MatrixReader(std::vector<IBISMatrixEntry>& entries, const IBISPackageModel& model,
+               IBISRecords records, std::int32_t& index, IBISErrorHandler& errors)
+      : entries_(entries), model_(model), records_(records), index_(index), errors_(errors) {}
+
+  // Its rows are passed over, so that the next matrix is read normally.
+  void readFull() {
+    errors_.error(message::fullMatrixNotSupported, record().line);
+    readRecords([this] {
+      const std::int32_t id = record().keyword;
+      return id == keyword::dataLine || id == keyword::row;
+    });
+  }
+
+  // Only the main diagonal exists.
+  void readBanded() {
+    readRecords([this] {
+      switch (record().keyword) {
+        case keyword::dataLine:
+          readDiagonalLine();
+          return true;
+        case keyword::row:
+          readRow();
+          return true;
+        case keyword::bandwidth:
+          readBandwidth();
+          return true;
+        default:
+          return false;
+      }
+    });
+  }
+
+  void readSparse() {
+    readRecords([this] {
+      switch (record().keyword) {
+        case keyword::dataLine:
+          readSparseLine();
+          return true;
+        case keyword::row:
+          readRow();
+          return true;
+        default:
+          return false;
+      }
+    });
+  }
+
+ private:
+  const IBISRecord& record() const { return recordAt(records_, index_); }
+  bool isPin(std::int32_t place) const { return place >= 1 && place <= model_.numberOfPins; }
+
+  // Takes records as long as take() knows them.
+  template <class Take>
+  void readRecords(Take take) {
+    const auto count = static_cast<std::int32_t>(records_.size());
+    for (++index_; index_ < count; ++index_) {
+      if (endsMatrix(record().keyword)) {
+        --index_;
+        return;
+      }
+      if (take()) continue;
+      errors_.error(message::unexpectedMatrixKeyword, record().line, record().keyword);
+      return;
+    }
+  }
+
+  void readDiagonalLine() {
+    if (row_ == 0) return;
+    entries_.push_back({row_, row_, parseNumber(keywordText(record()), 0.0)});
+  }
+
+  void readBandwidth() {
+    if (parseInteger(keywordText(record())) == 0) return;
+    errors_.error(message::bandwidthNotSupported, record().line);
+  }
+
+  // A name that is unknown leaves the row as it was.
+  void readRow() {
+    const std::int32_t place = findPin(keywordText(record()));
+    if (place > 0) row_ = place;
+    if (!isPin(row_)) errors_.error(message::unexpectedRow, record().line, row_);
+  }
+
+  // The place of a pin from 1; 0 with a message for an unknown one.
+  std::int32_t findPin(IBISString name) const {
+    const std::int32_t place = model_.pinNames.find(name);
+    if (place != model_.pinNames.absent) return place + 1;
+    errors_.error(message::unknownPackagePin, record().line, name.str().c_str());
+    return 0;
+  }
+
+  // The file gives one triangle of a symmetric matrix, the other is made here.
+  void readSparseLine() {
+    if (!isPin(row_)) return;
+    Fields fields;
+    splitFields(keywordText(record()), fields, 2);
+    const std::int32_t column = findPin(fields.at(0));
+    if (column == 0) return;
+    if (!isPin(column)) {
+      errors_.error(message::unexpectedColumn, record().line, column);
+    } else if (fields.at(1).empty()) {
+      errors_.error(message::missingValue, record().line);
+    } else {
+      addSymmetric(column, parseNumber(fields.at(1), 0.0));
+    }
+  }
+
+  void addSymmetric(std::int32_t column, double value) {
+    entries_.push_back({row_, column, value});
+    if (column != row_) entries_.push_back({column, row_, value});
+  }
+
+  std::vector<IBISMatrixEntry>& entries_;
+  const IBISPackageModel& model_;
+  IBISRecords records_;
+  std::int32_t& index_;
+  IBISErrorHandler& errors_;
+  std::int32_t row_ = 0;
+};
+
+// Walks the keywords of one section and fills the model from them.
+class SectionReader {
+ public:
+  SectionReader(IBISPackageModel& model, IBISRecords records, std::int32_t& index,
+                IBISErrorHandler& errors)
+      : model_(model), records_(records), index_(index), errors_(errors) {}
+
+  void read() {
+    model_.line = record().line;
+    model_.name = keywordText(record());
+    for (++index_; index_ < count(); ++index_) {
+      if (record().keyword == keyword::endPackageModel) return;
+      if (endsSection(record().keyword)) {
+        --index_;
+        return;
+      }
+      readKeyword();
+    }
+  }
+
+ private:
+  const IBISRecord& record() const { return recordAt(records_, index_); }
+  std::int32_t count() const { return static_cast<std::int32_t>(records_.size()); }
+
+  void readKeyword() {
+    switch (record().keyword) {
+      case keyword::manufacturer:
+        model_.manufacturer = keywordText(record());
+        break;
+      case keyword::oem:
+        model_.oem = keywordText(record());
+        break;
+      case keyword::description:
+        model_.description = keywordText(record());
+        break;
+      case keyword::numberOfPins:
+        readNumberOfPins();
+        break;
+      case keyword::pinNumbers:
+        readPinNumbers();
+        break;
+      case keyword::modelData:
+        readModelData();
+        break;
+      default:
+        break;
+    }
+  }
+
+  // The netlist has a line for each pin that the number promises, whether it is named or not.
+  void readNumberOfPins() {
+    const std::int32_t number = parseInteger(record().text());
+    if (number > IBISPackageModel::mostPins) {
+      errors_.error(message::tooManyPackagePins, record().line, number, IBISPackageModel::mostPins);
+    } else {
+      model_.numberOfPins = number;
+    }
+  }
+
+  void readPinNumbers() {
+    Fields tokens;
+    std::string_view line;
+    while (nextDataLine(records_, index_, line)) {
+      tokens.clear();
+      splitFields(line, tokens);
+      takePinNames(tokens);
+    }
+  }
+
+  void takePinNames(const Fields& tokens) {
+    for (const std::string_view token : tokens) {
+      if (model_.pinNames.size() >= model_.numberOfPins) return;
+      const IBISString name = token;
+      if (model_.pinNames.contains(name)) {
+        errors_.error(message::duplicatePackagePin, record().line, name.str().c_str());
+      } else {
+        model_.pinNames.add(name);
+      }
+    }
+  }
+
+  void readModelData() {
+    for (++index_; index_ < count(); ++index_) {
+      if (record().keyword == keyword::endModelData) return;
+      std::vector<IBISMatrixEntry>* matrix = matrixOf(record().keyword);
+      if (matrix != nullptr && readMatrix(*matrix)) continue;
+      if (matrix == nullptr) {
+        errors_.error(message::unexpectedDataKeyword, keywordName(record().keyword).str().c_str(),
+                      record().line);
+      }
+      skipModelData();
+      return;
+    }
+  }
+
+  std::vector<IBISMatrixEntry>* matrixOf(std::int32_t id) {
+    switch (id) {
+      case keyword::resistanceMatrix:
+        return &model_.resistance;
+      case keyword::inductanceMatrix:
+        return &model_.inductance;
+      case keyword::capacitanceMatrix:
+        return &model_.capacitance;
+      default:
+        return nullptr;
+    }
+  }
+
+  // False with a message for a form that does not exist.
+  bool readMatrix(std::vector<IBISMatrixEntry>& matrix) {
+    const IBISString form = keywordText(record());
+    MatrixReader reader(matrix, model_, records_, index_, errors_);
+    if (form == "Full_matrix") {
+      reader.readFull();
+    } else if (form == "Banded_matrix") {
+      reader.readBanded();
+    } else if (form == "Sparse_matrix") {
+      reader.readSparse();
+    } else {
+      errors_.error(message::unknownMatrixType, form.str().c_str(), record().line);
+      return false;
+    }
+    return true;
+  }
+
+  void skipModelData() {
+    while (index_ < count() && record().keyword != keyword::endModelData) ++index_;
+  }
+
+  IBISPackageModel& model_;
+  IBISRecords records_;
+  std::int32_t& index_;
+  IBISErrorHandler& errors_;
+};
+
+}  // namespace
+
+bool readPackageModel(IBISPackageModel& model, IBISRecords records, std::int32_t& index,
+                      IBISErrorHandler& errors) {
+  SectionReader(model, records, index, errors).read();
+  return true;
+}
+
+}  // namespace ibis

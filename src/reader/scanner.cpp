@@ -1,0 +1,186 @@
+#include "reader/scanner.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "host/format_message.h"
+#include "host/messages.h"
+
+namespace ibis {
+namespace {
+
+constexpr std::string_view allowedCommentChars = "!\"#$%&'()*,:;<>?@\\^`{|}~";
+constexpr std::string_view commentCharTail = "_char";
+constexpr std::int32_t standardLineLength = 120;
+constexpr std::size_t longestKeywordName = 120;
+constexpr char noComment = '\0';
+// Bounds what is reserved ahead for a file that is little else than line ends.
+constexpr std::size_t shortestUsualLine = 16;
+
+class Scanner {
+ public:
+  Scanner(std::string_view text, IBISScanResult& result)
+      : cursor_(text.data()), end_(text.data() + text.size()), result_(result) {}
+
+  void scan() {
+    while (cursor_ != end_ && !stopped_) scanLine();
+    checkLineLengths();
+  }
+
+ private:
+  void scanLine() {
+    ++line_;
+    if (*cursor_ == commentChar_) {
+      skipLine();
+    } else if (*cursor_ == '[') {
+      scanKeyword();
+    } else {
+      const IBISRecord record = readRecordLine(keyword::dataLine, commentChar_);
+      if (!trimBlanks(record.text()).empty()) result_.records.push_back(record);
+    }
+  }
+
+  // The name may run over line ends, which the line counter does not see.
+  void scanKeyword() {
+    const char* const begin = cursor_ + 1;
+    const auto rest = static_cast<std::size_t>(end_ - begin);
+    const auto* close = static_cast<const char*>(rest ? std::memchr(begin, ']', rest) : nullptr);
+    const std::string_view name(begin, static_cast<std::size_t>((close ? close : end_) - begin));
+    cursor_ = close ? close + 1 : end_;
+    const std::int32_t id = lookUp(name);
+    if (id == keyword::none) {
+      reportUnknown(name);
+      skipLine();
+    } else if (id == keyword::commentChar) {
+      readCommentChar();
+    } else {
+      result_.records.push_back(readRecordLine(id, commentChar_));
+    }
+  }
+
+  static std::int32_t lookUp(std::string_view name) {
+    if (name.size() > longestKeywordName) return keyword::none;
+    char spaced[longestKeywordName];
+    std::replace_copy(name.begin(), name.end(), spaced, '_', ' ');
+    return keywordId({spaced, name.size()});
+  }
+
+  void reportUnknown(std::string_view name) {
+    std::string spaced(name);
+    std::ranges::replace(spaced, '_', ' ');
+    result_.errors.push_back(formatMessage(message::unknownKeyword, spaced.c_str(), line_));
+  }
+
+  // Nothing on this line is a comment, so that the argument itself is not cut off.
+  void readCommentChar() {
+    const IBISRecord record = readRecordLine(keyword::commentChar, noComment);
+    const IBISString argument = keywordText(record);
+    const std::string_view text = argument;
+    if (!text.empty() && allowedCommentChars.find(text[0]) == std::string_view::npos) {
+      stop(formatMessage(message::disallowedCommentChar, line_,
+                         std::string(allowedCommentChars).c_str()));
+    } else if (text.empty() || !equalIgnoringCase(text.substr(1), commentCharTail)) {
+      stop(formatMessage(message::incorrectCommentChar, line_));
+    } else {
+      commentChar_ = text[0];
+    }
+  }
+
+  void stop(std::string reason) {
+    result_.errors.push_back(std::move(reason));
+    stopped_ = true;
+  }
+
+  // Takes the rest of the line; what stands behind the comment or beyond the limit is dropped.
+  IBISRecord readRecordLine(std::int32_t id, char commentChar) {
+    const char* const begin = cursor_;
+    skipLine();
+    const char* end = cursor_;
+    if (end != begin && end[-1] == '\n') --end;
+    std::string_view text(begin, static_cast<std::size_t>(end - begin));
+    if (commentChar != noComment) text = text.substr(0, text.find(commentChar));
+    text = withoutCarriageReturns(text).substr(0, IBISRecord::maximumLength);
+    return {text.data(), line_, static_cast<std::uint8_t>(id),
+            static_cast<std::uint8_t>(text.size())};
+  }
+
+  std::string_view withoutCarriageReturns(std::string_view text) {
+    while (!text.empty() && text.back() == '\r') text.remove_suffix(1);
+    if (text.find('\r') == std::string_view::npos) return text;
+    std::string kept(text);
+    std::erase(kept, '\r');
+    return result_.rewritten.store(kept);
+  }
+
+  void skipLine() {
+    const auto rest = static_cast<std::size_t>(end_ - cursor_);
+    const auto* feed = static_cast<const char*>(rest ? std::memchr(cursor_, '\n', rest) : nullptr);
+    cursor_ = feed ? feed + 1 : end_;
+  }
+
+  void checkLineLengths() {
+    for (const IBISRecord& record : result_.records) {
+      if (record.length == IBISRecord::maximumLength) {
+        result_.errors.push_back(
+            formatMessage(message::lineTooLong, record.line, standardLineLength));
+      } else if (record.length > standardLineLength) {
+        result_.warnings.push_back(formatMessage(message::lineLong, record.line));
+      }
+    }
+  }
+
+  const char* cursor_;
+  const char* const end_;
+  IBISScanResult& result_;
+  std::int32_t line_ = 0;
+  char commentChar_ = '|';
+  bool stopped_ = false;
+};
+
+}  // namespace
+
+IBISScanResult scanIBISText(std::string_view text) {
+  text = text.substr(0, text.find('\0'));
+  IBISScanResult result;
+  const auto lines = static_cast<std::size_t>(std::ranges::count(text, '\n'));
+  result.records.reserve(std::min(lines, text.size() / shortestUsualLine) + 1);
+  Scanner(text, result).scan();
+  return result;
+}
+
+const IBISRecord& recordAt(IBISRecords records, std::int32_t index) {
+  static constexpr IBISRecord absent;
+  const auto place = static_cast<std::size_t>(index);
+  return index >= 0 && place < records.size() ? records[place] : absent;
+}
+
+std::string_view trimBlanks(std::string_view text) {
+  while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
+  while (!text.empty() && (text.back() == ' ' || text.back() == '\t')) text.remove_suffix(1);
+  return text;
+}
+
+IBISString keywordText(const IBISRecord& record) { return trimBlanks(record.text()); }
+
+bool nextDataLine(IBISRecords records, std::int32_t& index, std::string_view& text) {
+  const IBISRecord& next = recordAt(records, index + 1);
+  if (next.keyword != keyword::dataLine) return false;
+  text = next.text();
+  ++index;
+  return true;
+}
+
+std::string multiLineText(IBISRecords records, std::int32_t& index) {
+  std::string text(recordAt(records, index).text());
+  std::string_view line;
+  while (nextDataLine(records, index, line)) text.append(1, '\n').append(line);
+  return text;
+}
+
+std::int32_t countDataLines(IBISRecords records, std::int32_t index) {
+  std::int32_t count = 0;
+  while (recordAt(records, index + 1 + count).keyword == keyword::dataLine) ++count;
+  return count;
+}
+
+}  // namespace ibis

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "reader/ibis_string.h"
+#include "reader/vocabulary.h"
+
+namespace ibis {
+
+/// One scanned line: a keyword with the text behind its bracket, or a data line.
+struct IBISRecord {
+  static constexpr std::size_t maximumLength = 239;
+
+  const char* begin = nullptr;           ///< First character, in the scanned text.
+  std::int32_t line = 0;                 ///< Line number in the file, from 1.
+  std::uint8_t keyword = keyword::none;  ///< Keyword id, 0 for a data line.
+  std::uint8_t length = 0;               ///< Characters kept, at most 239.
+
+  /// The line without comment and carriage returns, not trimmed.
+  std::string_view text() const { return {begin, length}; }
+};
+
+/// The records of one file in file order; readers walk them with a signed index.
+using IBISRecords = std::span<const IBISRecord>;
+
+/// What a scan yields; records point into the scanned text, or into `rewritten`.
+struct IBISScanResult {
+  std::vector<IBISRecord> records;
+  std::vector<std::string> errors;    ///< The scanner's own; no load shows them.
+  std::vector<std::string> warnings;  ///< The scanner's own; no load shows them.
+  StringPool rewritten;               ///< Lines that had a carriage return inside.
+};
+
+/// Cuts a text into records; it ends at its first NUL and must outlive the result.
+IBISScanResult scanIBISText(std::string_view text);
+
+/// The record at an index, or an empty record where there is none.
+const IBISRecord& recordAt(IBISRecords records, std::int32_t index);
+
+/// A record's text without blanks and tabs around it.
+IBISString keywordText(const IBISRecord& record);
+
+/// Moves the index to the next record and gives its text, if that is a data line.
+bool nextDataLine(IBISRecords records, std::int32_t& index, std::string_view& text);
+
+/// The text at the index and of the data lines behind it, untrimmed, joined by line feeds.
+///
+/// The index is left on the last record used.
+std::string multiLineText(IBISRecords records, std::int32_t& index);
+
+/// How many data lines stand directly behind the index.
+std::int32_t countDataLines(IBISRecords records, std::int32_t index);
+
+/// A text without blanks and tabs around it; no other character counts as outer space.
+std::string_view trimBlanks(std::string_view text);
+
+}  // namespace ibis

@@ -1,0 +1,116 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+#include "reader/ibis_string.h"
+
+namespace ibis {
+
+/// Ids of the bracketed keywords, as scanned records carry them.
+namespace keyword {
+inline constexpr std::int32_t dataLine = 0;
+inline constexpr std::int32_t none = 1;
+#define IBIS_KEYWORD(id, identifier, name, flags) inline constexpr std::int32_t identifier = id;
+#include "reader/keywords.def"
+#undef IBIS_KEYWORD
+}  // namespace keyword
+
+/// Ids of the sub-parameters; `none` stands for a word that is no sub-parameter.
+namespace subparameter {
+#define IBIS_SUB_PARAMETER(id, identifier, name) inline constexpr std::int32_t identifier = id;
+#include "reader/sub_parameters.def"
+#undef IBIS_SUB_PARAMETER
+inline constexpr std::int32_t firstReserved = 28;
+inline constexpr std::int32_t lastReserved = 35;
+inline constexpr std::int32_t none = 45;
+}  // namespace subparameter
+
+/// Ids of the model types, in the order of the standard's own list.
+enum class ModelType : std::int32_t {
+  unknown = 0,
+  input,
+  output,
+  inputOutput,
+  threeState,
+  openSource,
+  inputOutputOpenSource,
+  openDrain,
+  inputOutputOpenDrain,
+  inputEcl,
+  outputEcl,
+  inputOutputEcl,
+  threeStateEcl,
+  terminator,
+  series,
+  seriesSwitch,
+  inputDiff,
+  outputDiff,
+  inputOutputDiff,
+  threeStateDiff,
+  gnd,
+  power,
+  nc,
+};
+
+/// A version of the standard; `supported` tells whether its files are read.
+struct VersionRow {
+  std::int32_t id;
+  const char* text;
+  bool supported;
+};
+
+/// A bracketed keyword without its brackets.
+struct KeywordRow {
+  std::int32_t id;
+  const char* name;
+  std::int32_t flags;
+};
+
+/// A word that may begin a line of a model or a waveform.
+struct SubParameterRow {
+  std::int32_t id;
+  const char* name;
+};
+
+/// A model type by the word of the standard.
+struct ModelTypeRow {
+  ModelType id;
+  const char* name;
+  bool supported;
+};
+
+std::span<const VersionRow> versionTable();            ///< 18 rows, oldest first, "Unknown" last.
+std::span<const KeywordRow> keywordTable();            ///< 92 rows, in the order of look-up.
+std::span<const SubParameterRow> subParameterTable();  ///< 37 rows, in the order of look-up.
+std::span<const ModelTypeRow> modelTypeTable();        ///< 23 rows, in the order of look-up.
+
+/// The keyword's name without brackets, empty for an id that no row has.
+IBISString keywordName(std::int32_t id);
+
+/// The id of a keyword's name in any case, or `keyword::none`.
+std::int32_t keywordId(std::string_view name);
+
+/// Whether a keyword begins a section of its own, or ends the file, and so ends a section.
+bool endsSection(std::int32_t id);
+
+/// The text of a version's id, "invalid" for an id that no row has.
+IBISString versionText(std::int32_t id);
+
+/// The row of a version's text, compared exactly, or null.
+const VersionRow* findVersion(std::string_view text);
+
+/// The id of a sub-parameter's word, compared exactly, or `subparameter::none`.
+std::int32_t subParameterId(std::string_view word);
+
+/// The type that a model type word names, `unknown` for no such word.
+///
+/// The "sink" words are other names of the "drain" types. `supported` is set from the row found
+/// and stays as it was if there is none.
+ModelType modelTypeFromWord(std::string_view word, bool& supported);
+
+/// The row of a model type; every type has one.
+const ModelTypeRow& modelTypeRow(ModelType type);
+
+}  // namespace ibis

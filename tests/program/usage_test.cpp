@@ -1,0 +1,139 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "program/run.h"
+#include "program/texts.h"
+
+namespace ibis::testing {
+namespace {
+
+using ::testing::HasSubstr;
+
+const std::string seeHelp = "Run with --help for more information.\n";
+
+TEST(Usage, TheVersionIsOneLine) {
+  const Outcome result = run({"--version"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.out, "0.1.0\n");
+  EXPECT_EQ(result.err, "");
+}
+
+TEST(Usage, WrongUseEndsInStatusTwoAndSaysWhy) {
+  const struct {
+    std::vector<std::string> words;
+    std::string reason;
+  } cases[] = {
+      {{}, "A subcommand is required"},
+      {{"--unknown"}, "A subcommand is required"},
+      {{"convert"}, "FILE is required"},
+      {{"convert", "a.ibs", "--unknown"}, "The following argument was not expected: --unknown"},
+      {{"convert", "a.ibs", "b.ibs"}, "The following argument was not expected: b.ibs"},
+      {{"convert", "a.ibs", "-p", "1", "b"}, "The following argument was not expected: b"},
+      {{"convert", "a.ibs", "-m"}, "--mode: 1 required MODE:{model,package,script,symbol} missing"},
+      {{"convert", "a.ibs", "-m", "models"}, "--mode: models not in {model,package,script,symbol}"},
+      {{"convert", "a.ibs", "-m", ""}, "--mode:  not in {model,package,script,symbol}"},
+      {{"convert", "a.ibs", "-m", "2"}, "--mode: 2 not in {model,package,script,symbol}"},
+      {{"convert", "a.ibs", "-o", ""}, "--output: A folder's name is not empty"},
+      {{"convert", "a.ibs", "-s", "a/b"},
+       "--subcircuit: A subcircuit's name holds no blank, '/' or '%'"},
+      {{"convert", "a.ibs", "-s", "a b"},
+       "--subcircuit: A subcircuit's name holds no blank, '/' or '%'"},
+      {{"convert", "a.ibs", "-s", "%rootdir%"},
+       "--subcircuit: A subcircuit's name holds no blank, '/' or '%'"},
+      {{"call", "extra"}, "The following argument was not expected: extra"},
+      {{"call", "--plugin"}, "--plugin: 1 required PATH missing"},
+  };
+  for (const auto& [words, reason] : cases) {
+    const Outcome result = run(words);
+    EXPECT_EQ(result.status, 2) << reason;
+    EXPECT_EQ(result.out, "") << reason;
+    EXPECT_EQ(result.err, reason + '\n' + seeHelp);
+  }
+}
+
+TEST(Usage, AFileMayBeCalledLikeAnOption) {
+  const Outcome result = run({"convert", "--", "--json"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.err, "--json: error: Cannot open the file: No such file or directory\n");
+}
+
+TEST(Usage, AFileMayBeCalledLikeACommand) {
+  const Outcome result = run({"convert", "call"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.err, "call: error: Cannot open the file: No such file or directory\n");
+}
+
+TEST(Usage, ThePinsNameMayBeginWithADash) {
+  const Folder folder;
+  const Outcome result = run({"convert", folder.write("buffer.ibs", bufferText), "-p=-1", "-q",
+                              "-m", "package", "-o", folder.path()});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.err, "");
+}
+
+TEST(Usage, ShortAndLongNamesMeanTheSame) {
+  const Folder folder;
+  const std::string source = folder.write("warning.ibs", warningText);
+  const Outcome brief = run({"convert", source, "-m", "package", "-c", "BUF-1", "-o", folder.path(),
+                             "-s", "dut", "-p", "1", "-q"});
+  const Outcome full =
+      run({"convert", source, "--mode", "package", "--component", "BUF-1", "--output",
+           folder.path(), "--subcircuit", "dut", "--pin", "1", "--quiet"});
+  EXPECT_EQ(brief.status, 0);
+  EXPECT_EQ(full.status, 0);
+  EXPECT_EQ(brief.out + full.out, "");
+  EXPECT_EQ(brief.err, full.err);
+}
+
+TEST(Usage, TheHelpOfTheProgramNamesItsCommands) {
+  const Outcome result = run({"--help"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.out, R"(Turns IBIS files into SPICE libraries.
+Usage: ibis-load [OPTIONS] SUBCOMMAND
+
+Options:
+  -h,--help                   Print this help message and exit
+  --version                   Print the version and exit
+
+Subcommands:
+  convert                     Convert an IBIS file, in the way that MODE tells.
+  call                        Call the plug-in as a host does: JSON arguments in, JSON result out.
+
+Exit status: 0 done; 1 errors, or nothing written; 2 wrong use.
+
+Examples:
+  ibis-load convert buffer.ibs -o out
+  ibis-load convert --help
+)");
+}
+
+TEST(Usage, TheHelpOfConvertTellsOfEachOptionModeAndStatus) {
+  const Outcome result = run({"convert", "--help"});
+  EXPECT_EQ(result.status, 0);
+  for (const std::string text :
+       {"Usage: ibis-load convert [OPTIONS] FILE\n", "\n  -m,--mode MODE", "\n  -c,--component ",
+        "\n  -o,--output DIR=.", "\n  -s,--subcircuit SUBCKT ", "\n  -p,--pin PIN ...",
+        "\n  --select DESCRIPTION ...", "\n  --json ", "\n  -q,--quiet ", "\n  --werror ",
+        "\n  model    SUBCKT.lb", "\n           SUBCKT_INFO.html", "\n  package  SUBCKT.lb",
+        "\n  script   ibis_components.kvscr", "\n           it needs no COMPONENT",
+        "\n  symbol   nothing", "\nExit status: 0 files written", "\nExamples:\n"}) {
+    EXPECT_THAT(result.out, HasSubstr(text));
+  }
+}
+
+TEST(Usage, TheHelpOfCallTellsOfTheRequestAndTheResult) {
+  const Outcome result = run({"call", "--help"});
+  EXPECT_EQ(result.status, 0);
+  for (const std::string text :
+       {"Usage: ibis-load call [OPTIONS]\n", "\n  --plugin PATH ", "\n  1  mode, component, root ",
+        "\nThe result holds status ", "\nExit status: 0 the call was made", "\nExamples:\n"}) {
+    EXPECT_THAT(result.out, HasSubstr(text));
+  }
+}
+
+TEST(Usage, HelpForAReaderThatLeftEndsInStatusOne) {
+  EXPECT_EQ(run({"convert", "--help"}, {.outputHasNoReader = true}).status, 1);
+}
+
+}  // namespace
+}  // namespace ibis::testing
