@@ -1,0 +1,103 @@
+#include "harness/harness.h"
+
+#include <stdlib.h>
+
+#include <cstdarg>
+#include <fstream>
+#include <sstream>
+
+#include "host/format_message.h"
+
+namespace ibis::testing {
+
+namespace fs = std::filesystem;
+
+void Recorder::error(const char* format, ...) {
+  std::va_list arguments;
+  va_start(arguments, format);
+  errors.push_back(formatMessageList(format, arguments));
+  va_end(arguments);
+}
+
+void Recorder::warning(const char* format, ...) {
+  std::va_list arguments;
+  va_start(arguments, format);
+  warnings.push_back(formatMessageList(format, arguments));
+  va_end(arguments);
+}
+
+std::string lines(std::initializer_list<std::string_view> items) {
+  std::string text;
+  for (std::string_view item : items) text.append(item).append(1, '\n');
+  return text;
+}
+
+TemporaryFolder::TemporaryFolder() {
+  std::string pattern = (fs::temp_directory_path() / "ibis-load-XXXXXX").string();
+  if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder");
+  path_ = fs::canonical(pattern);
+}
+
+TemporaryFolder::~TemporaryFolder() {
+  std::error_code ignored;
+  fs::remove_all(path_, ignored);
+}
+
+std::map<std::string, std::string> TemporaryFolder::contents() const {
+  std::map<std::string, std::string> files;
+  for (const auto& entry : fs::directory_iterator(path_)) {
+    if (entry.is_regular_file()) {
+      files[entry.path().filename().string()] = readWholeFile(entry.path().string());
+    }
+  }
+  return files;
+}
+
+std::string readWholeFile(const std::string& name) {
+  std::ifstream stream(name, std::ios::binary);
+  std::ostringstream text;
+  text << stream.rdbuf();
+  if (!stream) throw std::runtime_error("cannot read " + name);
+  return text.str();
+}
+
+void writeWholeFile(const std::string& name, std::string_view text) {
+  std::ofstream stream(name, std::ios::binary);
+  stream << text;
+  if (!stream.flush()) throw std::runtime_error("cannot write " + name);
+}
+
+Loaded loadText(std::string_view text, const LoadOptions& options) {
+  const TemporaryFolder input;
+  const TemporaryFolder output;
+  writeWholeFile(input.file("input.ibs"), text);
+  Load load({.source = input.file("input.ibs"),
+             .mode = options.mode,
+             .component = options.component,
+             .rootDirectory = output.path(),
+             .subcircuit = options.subcircuit,
+             .pins = options.pins,
+             .selections = options.selections});
+  load.read();
+  Loaded loaded;
+  for (const std::string& name : load.write()) {
+    loaded.written.push_back(fs::path(name).filename().string());
+  }
+  loaded.errors = load.file().data().errors;
+  loaded.warnings = load.file().data().warnings;
+  loaded.files = output.contents();
+  return loaded;
+}
+
+std::string expandTemplate(std::string_view text, const IBISFile& file,
+                           const IBISComponent* component, IBISErrorHandler& sink) {
+  const TemporaryFolder folder;
+  {
+    TemplateEngine engine(file.data(), component, folder.path(), sink);
+    TextBuffer buffer("%file% %rootdir%/expanded\n" + std::string(text));
+    engine.expand(buffer);
+  }
+  return readWholeFile(folder.file("expanded"));
+}
+
+}  // namespace ibis::testing

@@ -1,0 +1,119 @@
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "harness/message_ledger.h"
+#include "host/load_sequence.h"
+#include "output/keyword_registry.h"
+#include "output/template_engine.h"
+#include "reader/parser.h"
+
+/// Holds messages against whole texts, in order, and notes the texts as proven.
+#define EXPECT_MESSAGES(actual, ...) \
+  EXPECT_EQ(actual, ::ibis::testing::proven(std::vector<std::string>{__VA_ARGS__}))
+
+namespace ibis::testing {
+
+using Texts = std::vector<std::string>;
+
+/// An error handler that keeps what it is told.
+class Recorder final : public IBISErrorHandler {
+ public:
+  void error(const char* format, ...) override IBIS_PRINTF_FORMAT(2, 3);
+  void warning(const char* format, ...) override IBIS_PRINTF_FORMAT(2, 3);
+
+  Texts errors;
+  Texts warnings;
+};
+
+/// Joins lines, each with a line feed behind it.
+std::string lines(std::initializer_list<std::string_view> items);
+
+/// A folder of its own that goes away with the object.
+class TemporaryFolder {
+ public:
+  TemporaryFolder();
+  ~TemporaryFolder();
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+  std::string path() const { return path_.string(); }
+  std::string file(const std::string& name) const { return (path_ / name).string(); }
+
+  /// Every file of the folder, name to content.
+  std::map<std::string, std::string> contents() const;
+
+ private:
+  std::filesystem::path path_;
+};
+
+std::string readWholeFile(const std::string& name);
+void writeWholeFile(const std::string& name, std::string_view text);
+
+/// A scanned text with its records.
+struct Scanned {
+  explicit Scanned(std::string_view content) : text(content), result(scanIBISText(text)) {}
+
+  std::string text;
+  IBISScanResult result;
+  IBISRecords records() const { return result.records; }
+};
+
+/// A text that went through scanner and parser.
+struct Parsed {
+  explicit Parsed(std::string_view content) : scanned(content) {
+    parseFile(file, scanned.records(), index);
+  }
+
+  Scanned scanned;
+  IBISFile file;
+  std::int32_t index = 0;
+
+  IBISFileData& data() { return file.data(); }
+  const Texts& errors() const { return file.data().errors; }
+  const Texts& warnings() const { return file.data().warnings; }
+  IBISComponent& component(std::size_t place = 0) { return *file.data().components[place]; }
+
+  /// The model at a place behind the three built-in ones.
+  IBISModel& model(std::size_t place = 0) { return *file.data().models[place + 3]; }
+
+  /// Runs the stage behind the parser, as a load does when there are no errors.
+  void resolve(std::string_view componentName = {}, const Texts& pins = {}) {
+    const std::vector<IBISString> filter(pins.begin(), pins.end());
+    postParse(file, componentName, filter);
+  }
+};
+
+/// What a whole load of a text left behind.
+struct Loaded {
+  Texts errors;
+  Texts warnings;
+  std::map<std::string, std::string> files;  ///< Output files by name.
+  Texts written;                             ///< Names that the load gave, without the folder.
+};
+
+/// What a request asks beside the text and the folder.
+struct LoadOptions {
+  std::string mode = "model";
+  std::string component = {};
+  std::string subcircuit = "dut";
+  Texts pins = {};
+  Texts selections = {};
+};
+
+/// Runs a whole load of a text from a file into a fresh folder.
+Loaded loadText(std::string_view text, const LoadOptions& options = {});
+
+/// Expands a template into a file and gives what it holds; "%file%" lines are the template's own.
+///
+/// The text is put behind a line that opens the file, so its first line is line 2.
+std::string expandTemplate(std::string_view text, const IBISFile& file,
+                           const IBISComponent* component, IBISErrorHandler& sink);
+
+}  // namespace ibis::testing
