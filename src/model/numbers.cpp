@@ -14,6 +14,12 @@ namespace {
 
 constexpr double missingSingleValue = 0.8;
 
+// Powers of ten that a double holds exactly.
+constexpr int mostExactPower = 22;
+constexpr double exactPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                  1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                  1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
@@ -44,6 +50,47 @@ NumberPrefix readUnusualNumber(std::string_view text) {
   char* end = nullptr;
   const double value = strtod_l(copy.c_str(), &end, cLocale.get());
   return {value, static_cast<std::size_t>(end - copy.c_str())};
+}
+
+// Digits, point and exponent, when a double holds the digits and the power of ten exactly: then
+// one correctly rounded operation gives what strtod does.
+//
+// A length of 0 stands for a text that is longer, larger or no decimal number at all.
+NumberPrefix readShortNumber(std::string_view text) {
+  constexpr int mostDigits = 19;  // as many as 64 bits hold
+  constexpr std::uint64_t largestExact = std::uint64_t{1} << 53;
+  const char* c = text.data();
+  const char* const end = c + text.size();
+  std::uint64_t digits = 0;
+  const char* const first = c;
+  for (; c != end && isDigit(*c); ++c) digits = digits * 10 + static_cast<std::uint64_t>(*c - '0');
+  std::ptrdiff_t count = c - first;
+  int exponent = 0;
+  if (c != end && *c == '.') {
+    const char* const fraction = ++c;
+    for (; c != end && isDigit(*c); ++c) {
+      digits = digits * 10 + static_cast<std::uint64_t>(*c - '0');
+    }
+    count += c - fraction;
+    exponent = -static_cast<int>(c - fraction);
+  }
+  if (count == 0 || count > mostDigits) return {};
+  if (c != end && (*c == 'e' || *c == 'E')) {
+    const char* e = c + 1;
+    const bool negative = e != end && *e == '-';
+    if (e != end && (*e == '-' || *e == '+')) ++e;
+    int power = 0;
+    const char* const firstDigit = e;
+    for (; e != end && isDigit(*e) && power < 1000; ++e) power = power * 10 + (*e - '0');
+    if (e != firstDigit) c = e;  // without digits the number ends ahead of its "e"
+    if (power >= 1000) return {};
+    exponent += negative ? -power : power;
+  }
+  if (digits > largestExact || exponent < -mostExactPower || exponent > mostExactPower) return {};
+  const double value = static_cast<double>(digits);
+  const auto power = static_cast<std::size_t>(exponent < 0 ? -exponent : exponent);
+  return {exponent < 0 ? value / exactPowers[power] : value * exactPowers[power],
+          static_cast<std::size_t>(c - text.data())};
 }
 
 bool looksDecimal(std::string_view digits) {
@@ -84,6 +131,8 @@ NumberPrefix readNumber(std::string_view text) {
   const bool negative = text[begin] == '-';
   if (negative || text[begin] == '+') ++begin;
   if (!looksDecimal(text.substr(begin))) return readUnusualNumber(text);
+  const NumberPrefix quick = readShortNumber(text.substr(begin));
+  if (quick.length > 0) return {negative ? -quick.value : quick.value, begin + quick.length};
   double value = 0.0;
   const char* const first = text.data() + begin;
   const auto [end, fault] = std::from_chars(first, text.data() + text.size(), value);
@@ -119,9 +168,10 @@ std::int32_t parseInteger(std::string_view text) {
 
 void splitFields(std::string_view text, Fields& fields, std::int32_t minimumCount,
                  std::string_view filler, std::string_view separators) {
-  const auto isSeparator = [separators](char c) {
-    return separators.find(c) != std::string_view::npos;
-  };
+  const char first = separators.front();
+  const char second = separators[separators.size() > 1 ? 1 : 0];
+  const char third = separators.back();
+  const auto isSeparator = [=](char c) { return c == first || c == second || c == third; };
   const char* c = text.data();
   const char* const end = c + text.size();
   while (true) {
