@@ -6,6 +6,8 @@ namespace ibis {
 namespace {
 
 constexpr std::string_view reservedNames[] = {"NC", "NA", "GND", "POWER"};
+constexpr std::size_t shortestReserved = 2;
+constexpr std::size_t longestReserved = 5;
 
 }  // namespace
 
@@ -16,6 +18,7 @@ bool equalIgnoringCase(std::string_view a, std::string_view b) {
 }
 
 std::string_view foldReservedName(std::string_view text) {
+  if (text.size() < shortestReserved || text.size() > longestReserved) return text;
   for (std::string_view name : reservedNames) {
     if (equalIgnoringCase(text, name)) return name;
   }

@@ -70,19 +70,6 @@ void TextBuffer::assign(std::string_view text) {
   size_ = static_cast<std::int32_t>(text.size());
 }
 
-char TextBuffer::read() {
-  const char c = peek();
-  while (current() == '\r') ++position_;
-  if (static_cast<signed char>(c) > 0) ++position_;
-  return c;
-}
-
-char TextBuffer::peek() const {
-  std::int32_t place = position_;
-  while (place < size_ && bytes_[static_cast<std::size_t>(place)] == '\r') ++place;
-  return place < size_ ? bytes_[static_cast<std::size_t>(place)] : '\0';
-}
-
 void TextBuffer::seek(std::int32_t index) { position_ = std::clamp(index, 0, size_); }
 
 }  // namespace ibis

@@ -31,10 +31,19 @@ class TextBuffer {
   std::string_view text() const { return {bytes_.get(), static_cast<std::size_t>(size_)}; }
 
   /// The next character without carriage returns; a NUL or a byte above 0x7f is not consumed.
-  char read();
+  char read() {
+    const char c = peek();
+    while (current() == '\r') ++position_;
+    if (static_cast<signed char>(c) > 0) ++position_;
+    return c;
+  }
 
   /// The character that read() would give, without moving.
-  char peek() const;
+  char peek() const {
+    std::int32_t place = position_;
+    while (place < size_ && bytes_[static_cast<std::size_t>(place)] == '\r') ++place;
+    return place < size_ ? bytes_[static_cast<std::size_t>(place)] : '\0';
+  }
 
   /// Moves the position, kept between 0 and the size.
   void seek(std::int32_t index);
