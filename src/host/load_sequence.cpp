@@ -135,9 +135,14 @@ std::vector<std::string> Load::write() {
   const ModeRow* row = findMode(mode_);
   if (file_.hasErrors() || component == nullptr || row == nullptr) return {};
   TemplateEngine engine(file_.data(), component, request_.rootDirectory, file_);
-  for (std::string_view name : row->templates) {
-    TextBuffer text;
-    if (loadEmbedded(text, name)) engine.expand(text);
+  try {
+    for (std::string_view name : row->templates) {
+      TextBuffer text;
+      if (loadEmbedded(text, name)) engine.expand(text);
+    }
+  } catch (...) {
+    engine.abandonOutputFile();
+    throw;
   }
   engine.closeOutputFile();
   return engine.generatedFiles();

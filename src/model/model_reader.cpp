@@ -281,8 +281,11 @@ void readSeriesMosfet(IBISModel& model, IBISRecords records, std::int32_t& curso
     }
   }
   readTable(mosfet.table, records, cursor, errors, "Series MOSFET");
-  if (state == SeriesState::on) model.seriesMosfetOn.push_back(std::move(mosfet));
-  if (state == SeriesState::off) model.seriesMosfetOff.push_back(std::move(mosfet));
+  if (state == SeriesState::on) {
+    model.seriesMosfetOn.push_back(std::move(mosfet));
+  } else if (state == SeriesState::off) {
+    model.seriesMosfetOff.push_back(std::move(mosfet));
+  }
 }
 
 }  // namespace ibis

@@ -2,11 +2,24 @@
 
 #include <algorithm>
 #include <cstdarg>
+#include <filesystem>
+#include <system_error>
 
 #include "host/format_message.h"
 #include "host/messages.h"
 
 namespace ibis {
+
+namespace {
+
+// Whether the name leads to the file that is being converted.
+bool isSource(const IBISFileData& file, const std::string& name) {
+  std::error_code fault;
+  return !file.filePath.empty() && std::filesystem::equivalent(name, file.filePath.view(), fault) &&
+         !fault;
+}
+
+}  // namespace
 
 OutputRun::OutputRun(const IBISFileData& file, const IBISComponent* component,
                      std::string rootDirectory, IBISErrorHandler& sink)
@@ -24,7 +37,7 @@ OutputRun::~OutputRun() {
 void OutputRun::openOutputFile(const std::string& name) {
   // Opening a file anew empties it, which must not leave the end of the old text to be written.
   if (out_) out_->flush();
-  std::unique_ptr<OutputStream> opened = OutputStream::open(name);
+  std::unique_ptr<OutputStream> opened = isSource(file_, name) ? nullptr : OutputStream::open(name);
   if (!opened) {
     sink_.error(message::cannotOpenOutput, name.c_str());
     return;
@@ -34,6 +47,13 @@ void OutputRun::openOutputFile(const std::string& name) {
   if (std::ranges::find(generatedFiles_, name) == generatedFiles_.end()) {
     generatedFiles_.push_back(name);
   }
+}
+
+void OutputRun::abandonOutputFile() {
+  if (!out_) return;
+  const std::unique_ptr<OutputStream> abandoned = std::move(out_);
+  abandoned->close();
+  sink_.error(message::cannotWriteOutput, abandoned->name().c_str());
 }
 
 void OutputRun::closeOutputFile() {

@@ -20,10 +20,15 @@ class OutputRun {
   OutputRun& operator=(const OutputRun&) = delete;
 
   /// Makes a file the current output; on failure the one that was open stays.
+  ///
+  /// The IBIS file itself is never opened, by whatever name.
   void openOutputFile(const std::string& name);
 
   /// Closes the current output file, if any, and reports one that could not be written.
   void closeOutputFile();
+
+  /// Closes the current output file, if any, and reports it as not written: its text is cut.
+  void abandonOutputFile();
 
   /// Reports a fault of the template itself; expansion goes on.
   void reportError(const char* format, ...) IBIS_PRINTF_FORMAT(2, 3);
