@@ -11,14 +11,6 @@ std::array<YVector<double>*, 4> allLists(IBISTable& table) {
   return {&table.voltage, &table.typ, &table.max, &table.min};
 }
 
-void appendRow(IBISTable& table, Fields& fields) {
-  const double typ = parseNumber(fields.at(1), 0.0);
-  table.voltage.append(parseNumber(fields.at(0), 0.0));
-  table.typ.append(typ);
-  table.min.append(parseNumber(fields.at(2), typ));
-  table.max.append(parseNumber(fields.at(3), typ));
-}
-
 std::int32_t directionOf(const YVector<double>& voltage) {
   const bool falls = !voltage.empty() && voltage[voltage.size() - 1] < voltage[0];
   return falls ? IBISTable::descending : IBISTable::ascending;
@@ -47,12 +39,13 @@ void appendRows(IBISTable& table, IBISRecords records, std::int32_t& cursor) {
     const auto rows = static_cast<std::size_t>(countDataLines(records, cursor));
     for (YVector<double>* list : allLists(table)) list->reserve(rows);
   }
-  Fields fields;
   std::string_view text;
   while (nextDataLine(records, cursor, text)) {
-    fields.clear();
-    splitFields(text, fields, 4, notAvailable);
-    appendRow(table, fields);
+    const CornerRow row = readCornerRow(text, notAvailable);
+    table.voltage.append(row.x);
+    table.typ.append(row.typ);
+    table.min.append(row.min);
+    table.max.append(row.max);
   }
 }
 

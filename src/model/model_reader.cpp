@@ -272,10 +272,8 @@ void readSeriesMosfet(IBISModel& model, IBISRecords records, std::int32_t& curso
   IBISSeriesMosfet mosfet;
   std::string_view text;
   if (nextDataLine(records, cursor, text)) {
-    Fields fields;
-    splitFields(text, fields, 2, {}, delimiters::blanksAndEqual);
-    if (fields.at(0) == "Vds") {
-      mosfet.vds = parseNumber(fields.at(1), 0.0);
+    if (takeField(text, delimiters::blanksAndEqual) == "Vds") {
+      mosfet.vds = parseNumber(takeField(text, delimiters::blanksAndEqual), 0.0);
     } else {
       --cursor;
     }

@@ -166,37 +166,51 @@ std::int32_t parseInteger(std::string_view text) {
   return static_cast<std::int32_t>(negative ? -value : value);
 }
 
-void splitFields(std::string_view text, Fields& fields, std::int32_t minimumCount,
-                 std::string_view filler, std::string_view separators) {
+std::string_view takeField(std::string_view& text, std::string_view separators) {
   const char first = separators.front();
   const char second = separators[separators.size() > 1 ? 1 : 0];
   const char third = separators.back();
   const auto isSeparator = [=](char c) { return c == first || c == second || c == third; };
   const char* c = text.data();
   const char* const end = c + text.size();
-  while (true) {
-    while (c != end && isSeparator(*c)) ++c;
-    if (c == end) break;
-    const char* const begin = c;
-    while (c != end && !isSeparator(*c)) ++c;
-    fields.append({begin, static_cast<std::size_t>(c - begin)});
+  while (c != end && isSeparator(*c)) ++c;
+  const char* const begin = c;
+  while (c != end && !isSeparator(*c)) ++c;
+  text.remove_prefix(static_cast<std::size_t>(c - text.data()));
+  return {begin, static_cast<std::size_t>(c - begin)};
+}
+
+void splitFields(std::string_view text, Fields& fields, std::int32_t minimumCount,
+                 std::string_view filler, std::string_view separators) {
+  for (std::string_view field = takeField(text, separators); !field.empty();
+       field = takeField(text, separators)) {
+    fields.append(field);
   }
   while (fields.size() < minimumCount) fields.append(filler);
 }
 
+CornerRow readCornerRow(std::string_view text, std::string_view filler) {
+  const auto next = [&] {
+    const std::string_view field = takeField(text);
+    return field.empty() ? filler : field;
+  };
+  CornerRow row;
+  row.x = parseNumber(next(), 0.0);
+  row.typ = parseNumber(next(), 0.0);
+  row.min = parseNumber(next(), row.typ);
+  row.max = parseNumber(next(), row.typ);
+  return row;
+}
+
 void readTriple(std::string_view text, IBISTriple& triple) {
-  Fields fields;
-  splitFields(text, fields, 3);
   triple.present = true;
-  triple.typ = parseNumber(fields.at(0), 0.0);
-  triple.min = parseNumber(fields.at(1), triple.typ);
-  triple.max = parseNumber(fields.at(2), triple.typ);
+  triple.typ = parseNumber(takeField(text), 0.0);
+  triple.min = parseNumber(takeField(text), triple.typ);
+  triple.max = parseNumber(takeField(text), triple.typ);
 }
 
 void readSingleAsTriple(std::string_view text, IBISTriple& triple) {
-  Fields fields;
-  splitFields(text, fields, 2, {}, delimiters::blanksAndEqual);
-  const double value = parseNumber(fields.at(0), missingSingleValue);
+  const double value = parseNumber(takeField(text, delimiters::blanksAndEqual), missingSingleValue);
   triple = {true, value, value, value};
 }
 
@@ -207,10 +221,8 @@ void readRatio(std::string_view text, double& numerator, double& denominator,
     denominator = denominatorFallback;
     return;
   }
-  Fields fields;
-  splitFields(text, fields, 2, {}, delimiters::slash);
-  numerator = parseNumber(fields.at(0), numeratorFallback);
-  denominator = parseNumber(fields.at(1), denominatorFallback);
+  numerator = parseNumber(takeField(text, delimiters::slash), numeratorFallback);
+  denominator = parseNumber(takeField(text, delimiters::slash), denominatorFallback);
 }
 
 }  // namespace ibis

@@ -63,6 +63,21 @@ std::int32_t parseInteger(std::string_view text);
 void splitFields(std::string_view text, Fields& fields, std::int32_t minimumCount = 0,
                  std::string_view filler = {}, std::string_view separators = delimiters::blanks);
 
+/// Takes the next field off a text; empty when there is none left.
+std::string_view takeField(std::string_view& text,
+                           std::string_view separators = delimiters::blanks);
+
+/// One row of a table or a waveform: a voltage or a time, and a value for each corner.
+struct CornerRow {
+  double x = 0.0;
+  double typ = 0.0;
+  double min = 0.0;
+  double max = 0.0;
+};
+
+/// Reads "x typ min max"; an NA for min or max takes typ. The filler stands for missing fields.
+CornerRow readCornerRow(std::string_view text, std::string_view filler);
+
 /// Reads "typ min max"; an explicit NA for min or max takes typ, a missing one is 0.0.
 void readTriple(std::string_view text, IBISTriple& triple);
 

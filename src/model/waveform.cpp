@@ -33,17 +33,15 @@ void setFixtureValue(IBISWaveform& waveform, std::int32_t id, std::string_view t
 
 // Stops ahead of the first line whose first word is no sub-parameter: the rows begin there.
 void readFixtureLines(IBISWaveform& waveform, IBISRecords records, std::int32_t& cursor) {
-  Fields fields;
   std::string_view text;
   while (nextDataLine(records, cursor, text)) {
-    fields.clear();
-    splitFields(text, fields, 2, {}, delimiters::blanksAndEqual);
-    const std::int32_t id = subParameterId(IBISString(fields.at(0)));
+    const IBISString word = takeField(text, delimiters::blanksAndEqual);
+    const std::int32_t id = subParameterId(word);
     if (id == subparameter::none) {
       --cursor;
       return;
     }
-    setFixtureValue(waveform, id, fields.at(1));
+    setFixtureValue(waveform, id, takeField(text, delimiters::blanksAndEqual));
   }
 }
 
@@ -52,23 +50,21 @@ void readRows(IBISWaveform& waveform, IBISRecords records, std::int32_t& cursor)
   for (YVector<double>* list : {&waveform.time, &waveform.typ, &waveform.max, &waveform.min}) {
     list->reserve(rows);
   }
-  Fields fields;
   std::string_view text;
   while (nextDataLine(records, cursor, text)) {
-    fields.clear();
-    splitFields(text, fields, 4);
-    const double typ = parseNumber(fields.at(1), 0.0);
-    waveform.time.append(parseNumber(fields.at(0), 0.0));
-    waveform.typ.append(typ);
-    waveform.min.append(parseNumber(fields.at(2), typ));
-    waveform.max.append(parseNumber(fields.at(3), typ));
+    const CornerRow row = readCornerRow(text, {});
+    waveform.time.append(row.x);
+    waveform.typ.append(row.typ);
+    waveform.min.append(row.min);
+    waveform.max.append(row.max);
   }
 }
 
-void readRampLine(IBISTriple& swing, IBISTriple& time, Fields& fields) {
-  readRatio(fields.at(1), swing.typ, time.typ, 0.0, 0.0);
-  readRatio(fields.at(2), swing.min, time.min, swing.typ, time.typ);
-  readRatio(fields.at(3), swing.max, time.max, swing.typ, time.typ);
+void readRampLine(IBISTriple& swing, IBISTriple& time, std::string_view text) {
+  const auto next = [&] { return takeField(text, delimiters::blanksAndEqual); };
+  readRatio(next(), swing.typ, time.typ, 0.0, 0.0);
+  readRatio(next(), swing.min, time.min, swing.typ, time.typ);
+  readRatio(next(), swing.max, time.max, swing.typ, time.typ);
 }
 
 void addFirst(WaveformSelection& selection, const std::vector<IBISWaveform>& list,
@@ -89,18 +85,15 @@ void readWaveform(IBISRecords records, std::int32_t& cursor, std::vector<IBISWav
 
 void readRamp(IBISModel& model, IBISRecords records, std::int32_t& cursor) {
   constexpr double usualLoad = 50.0;
-  Fields fields;
   std::string_view text;
   while (nextDataLine(records, cursor, text)) {
-    fields.clear();
-    splitFields(text, fields, 4, {}, delimiters::blanksAndEqual);
-    const std::string_view word = fields.at(0);
+    const std::string_view word = takeField(text, delimiters::blanksAndEqual);
     if (word == "dV/dt_r") {
-      readRampLine(model.rampDvRise, model.rampDtRise, fields);
+      readRampLine(model.rampDvRise, model.rampDtRise, text);
     } else if (word == "dV/dt_f") {
-      readRampLine(model.rampDvFall, model.rampDtFall, fields);
+      readRampLine(model.rampDvFall, model.rampDtFall, text);
     } else if (word == "R_load") {
-      model.rLoad = {true, parseNumber(fields.at(1), usualLoad)};
+      model.rLoad = {true, parseNumber(takeField(text, delimiters::blanksAndEqual), usualLoad)};
     }
   }
 }

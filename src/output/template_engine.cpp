@@ -1,6 +1,7 @@
 #include "output/template_engine.h"
 
 #include <algorithm>
+#include <deque>
 
 #include "host/messages.h"
 #include "output/keyword_registry.h"
@@ -21,14 +22,39 @@ void splitAtCommas(std::string_view text, KeywordArguments& items) {
   } while (!text.empty());
 }
 
+// A keyword of the text with all that can be known of it before it is met.
+struct Keyword {
+  explicit Keyword(std::string keywordText) : text(std::move(keywordText)) {
+    splitAtCommas(text, arguments);
+    value = valueKeyword(name());
+    condition = conditionKeyword(name());
+    loop = loopKeyword(text);
+    worksUnopened = equalIgnoringCase(text, "file") || equalIgnoringCase(text, "append") ||
+                    equalIgnoringCase(text, "include");
+  }
+  Keyword(const Keyword&) = delete;
+  Keyword& operator=(const Keyword&) = delete;
+
+  std::string_view name() const { return arguments.front(); }
+
+  std::string text;
+  KeywordArguments arguments;  // views into the text
+  ValueHandler value = nullptr;
+  ConditionHandler condition = nullptr;
+  LoopFactory loop = nullptr;
+  bool worksUnopened = false;  // is called without an open file, too
+};
+
 // What lasts for the expansion of one text.
 class Expansion {
  public:
-  Expansion(OutputRun& run, TextBuffer& text) : run_(run), text_(text) {}
+  Expansion(OutputRun& run, TextBuffer& text)
+      : run_(run), text_(text), keywordAt_(static_cast<std::size_t>(text.size()) + 1) {}
 
   // A byte above 0x7f is never consumed and ends the text as its NUL does.
   void run() {
     while (!abandoned_) {
+      takePlainText(text_.readPlain());
       const char c = text_.read();
       if (static_cast<signed char>(c) <= 0) return;
       takeCharacter(c);
@@ -39,6 +65,19 @@ class Expansion {
   bool gateOpen() const { return isActive() && run_.out() != nullptr && !skipLoop_; }
   bool parentActive() const { return inactiveParents_ == 0; }
   bool isActive() const { return active_ && parentActive(); }
+
+  // Most of a text is neither blank, line end nor percent sign and is taken in one piece.
+  void takePlainText(std::string_view plain) {
+    column_ += static_cast<std::int32_t>(plain.size());
+    if (plain.empty() || commentLine_) return;
+    if (inKeyword_) {
+      keyword_ += plain.substr(0, longestKeyword - std::min(longestKeyword, keyword_.size()));
+      return;
+    }
+    flushPendingSpaces();
+    newlineEaten_ = false;
+    if (gateOpen()) run_.out()->write(plain);
+  }
 
   void takeCharacter(char c) {
     countCharacter(c);
@@ -96,25 +135,31 @@ class Expansion {
     inKeyword_ = !inKeyword_;
     if (inKeyword_) {
       keyword_.clear();
+      keywordStart_ = static_cast<std::size_t>(text_.position());
     } else if (keyword_.empty()) {
       if (gateOpen()) run_.out()->write('%');
     } else {
-      takeKeyword();
+      takeKeyword(currentKeyword());
     }
   }
 
+  // A loop meets its keywords again on every pass.
+  const Keyword& currentKeyword() {
+    const Keyword*& known = keywordAt_[keywordStart_];
+    if (known == nullptr) known = &keywords_.emplace_back(keyword_);
+    return *known;
+  }
+
   // A file-level value hides a loop object's of the same name; loops do not nest.
-  void takeKeyword() {
-    splitAtCommas(keyword_, arguments_);
-    const std::string_view name = arguments_.front();
-    if (takeFileValue(name)) return;
+  void takeKeyword(const Keyword& keyword) {
+    if (takeFileValue(keyword)) return;
     if (inLoop_ && skipLoop_) {
       takeLoopEnd();  // nothing else counts in the body of an empty loop
       return;
     }
-    if (inLoop_ && (takeLoopValue() || takeLoopCondition(name))) return;
-    if (takeFileCondition(name)) return;
-    if (inLoop_ ? takeLoopEnd() : takeLoopStart()) return;
+    if (inLoop_ && (takeLoopValue() || takeLoopCondition(keyword))) return;
+    if (takeFileCondition(keyword)) return;
+    if (inLoop_ ? takeLoopEnd() : takeLoopStart(keyword)) return;
     if (!takeConditionWord()) {
       run_.reportError(message::unknownTemplateKeyword, keyword_.c_str(), line_);
     }
@@ -126,14 +171,10 @@ class Expansion {
   }
 
   // Without an open file only the keyword that opens one is called.
-  bool takeFileValue(std::string_view name) {
-    const ValueHandler handler = valueKeyword(name);
-    if (handler == nullptr) return false;
-    const bool worksUnopened = equalIgnoringCase(keyword_, "file") ||
-                               equalIgnoringCase(keyword_, "append") ||
-                               equalIgnoringCase(keyword_, "include");
-    if (isActive() && !skipLoop_ && (run_.out() != nullptr || worksUnopened)) {
-      newlineEaten_ = handler(run_, run_.out(), position(), text_, arguments_);
+  bool takeFileValue(const Keyword& keyword) {
+    if (keyword.value == nullptr) return false;
+    if (isActive() && !skipLoop_ && (run_.out() != nullptr || keyword.worksUnopened)) {
+      newlineEaten_ = keyword.value(run_, run_.out(), position(), text_, keyword.arguments);
       pendingSpaces_ = 0;
     }
     return true;
@@ -147,22 +188,21 @@ class Expansion {
     return true;
   }
 
-  bool takeLoopCondition(std::string_view name) {
+  bool takeLoopCondition(const Keyword& keyword) {
     const ForEachObject& object = items_[pass_];
-    if (name == "iffirst") {
+    if (keyword.name() == "iffirst") {
       enterCondition(pass_ == 0);
-    } else if (object.isCondition(name)) {
-      enterCondition(object.evaluate(name, arguments_));
+    } else if (object.isCondition(keyword.name())) {
+      enterCondition(object.evaluate(keyword.name(), keyword.arguments));
     } else {
       return false;
     }
     return true;
   }
 
-  bool takeFileCondition(std::string_view name) {
-    const ConditionHandler handler = conditionKeyword(name);
-    if (handler == nullptr) return false;
-    enterCondition(handler(run_, text_, arguments_));
+  bool takeFileCondition(const Keyword& keyword) {
+    if (keyword.condition == nullptr) return false;
+    enterCondition(keyword.condition(run_, text_, keyword.arguments));
     return true;
   }
 
@@ -174,11 +214,10 @@ class Expansion {
   }
 
   // The list is built whether or not anything is written.
-  bool takeLoopStart() {
-    const LoopFactory factory = loopKeyword(keyword_);
-    if (factory == nullptr) return false;
+  bool takeLoopStart(const Keyword& keyword) {
+    if (keyword.loop == nullptr) return false;
     loopStart_ = {text_.position(), line_, column_};
-    factory(run_, items_);
+    keyword.loop(run_, items_);
     newlineEaten_ = true;
     inLoop_ = true;
     skipLoop_ = items_.empty();
@@ -236,7 +275,9 @@ class Expansion {
   std::int32_t line_ = 1;
   std::int32_t column_ = 1;
   std::string keyword_;
-  KeywordArguments arguments_;  // of the keyword just read, views into its text
+  std::size_t keywordStart_ = 0;           // behind its opening percent sign
+  std::vector<const Keyword*> keywordAt_;  // by start; null for one that was not met yet
+  std::deque<Keyword> keywords_;
   bool inKeyword_ = false;
   bool abandoned_ = false;
   std::int32_t pendingSpaces_ = 0;

@@ -45,10 +45,18 @@ class TextBuffer {
     return place < size_ ? bytes_[static_cast<std::size_t>(place)] : '\0';
   }
 
+  /// The characters up to the next blank, tab, line end, percent sign, NUL or byte above 0x7f.
+  std::string_view readPlain() {
+    const std::int32_t begin = position_;
+    while (isPlain(current())) ++position_;
+    return {bytes_.get() + begin, static_cast<std::size_t>(position_ - begin)};
+  }
+
   /// Moves the position, kept between 0 and the size.
   void seek(std::int32_t index);
 
  private:
+  static bool isPlain(char c) { return static_cast<signed char>(c) > ' ' && c != '%'; }
   char current() const { return bytes_ ? bytes_[static_cast<std::size_t>(position_)] : '\0'; }
 
   std::unique_ptr<char[]> bytes_;  // size_ characters and a NUL
