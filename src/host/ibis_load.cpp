@@ -134,12 +134,14 @@ class FinishGuard {
 
 // The inner layer holds a reference of its own to the handler, which it never writes to.
 FUNC_ERROR loadWithHandler(const FuncArgsMinimal& arguments, FuncResultMinimal& result,
+                           // NOLINTNEXTLINE(performance-unnecessary-value-param): a reference held
                            [[maybe_unused]] const YRef<MessageHandler> handler) {
   loadOrReport(arguments, result);
   return FUNC_ERROR::success;
 }
 
 FUNC_ERROR IBIS_Load(const FuncArgsMinimal& arguments, FuncResultMinimal* result,
+                     // NOLINTNEXTLINE(performance-unnecessary-value-param): the host's interface
                      YRef<MessageHandler> handler, const ScpParseContext&, const FunctionRunTime&) {
   const FinishGuard finish(*result);
   return loadWithHandler(arguments, *result, handler);

@@ -63,12 +63,11 @@ void OutputRun::closeOutputFile() {
 }
 
 void OutputRun::reportError(const char* format, ...) {
-  const std::string wrapped = formatMessage(message::templateError, format);
   std::va_list arguments;
   va_start(arguments, format);
-  const std::string text = formatMessageList(wrapped.c_str(), arguments);
+  const std::string text = formatMessageList(format, arguments);
   va_end(arguments);
-  sink_.error("%s", text.c_str());
+  sink_.error(message::templateError, text.c_str());
 }
 
 }  // namespace ibis
