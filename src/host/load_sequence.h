@@ -18,13 +18,13 @@ OutputMode outputMode(std::string_view text);
 
 /// What a caller asks of one load.
 struct LoadRequest {
-  std::string source;             ///< Name of the IBIS file, as the caller gives it.
-  std::string mode;               ///< Text of the output mode.
-  std::string component;          ///< Empty for all components, of which the first is written.
-  std::string rootDirectory;      ///< Where output files go.
-  std::string subcircuit;         ///< Empty if the caller gives none.
-  std::vector<std::string> pins;  ///< The pins wanted; none for all.
-  std::vector<std::string> selections;  ///< Descriptions of selector rows, with escapes.
+  std::string source = {};             ///< Name of the IBIS file, as the caller gives it.
+  std::string mode = {};               ///< Text of the output mode.
+  std::string component = {};          ///< Empty for all components, of which the first is written.
+  std::string rootDirectory = {};      ///< Where output files go.
+  std::string subcircuit = {};         ///< Empty if the caller gives none.
+  std::vector<std::string> pins = {};  ///< The pins wanted; none for all.
+  std::vector<std::string> selections = {};  ///< Descriptions of selector rows, with escapes.
 };
 
 /// One load: the file with all that was found wrong with it, and what its records point into.
