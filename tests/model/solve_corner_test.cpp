@@ -187,7 +187,11 @@ int expectSameEstimate(IBISModel model) {
 IBISModel read(const std::string& text) {
   Parsed parsed("[Component] U1\n[Model] X\n" + text);
   EXPECT_EQ(parsed.errors(), Texts());
-  return parsed.model();
+  IBISModel model = parsed.model();
+  // These outlive the text that they were read from.
+  model.name = "X";
+  model.spiceName = "X";
+  return model;
 }
 
 const std::string ramp =
