@@ -3,8 +3,9 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 
-#include "exit_status.h"
+#include "many_files.h"
 #include "report.h"
+#include "source_list.h"
 
 namespace ibis::cli {
 namespace {
@@ -20,8 +21,16 @@ constexpr const char* details = R"(Modes, and what each writes into DIR:
 Standard output: the files written and the counts of warnings and errors.
 Standard error: each message as FILE:LINE: warning: TEXT, or without LINE.
 
+Many files: several FILEs, or a folder, which stands for every file in it and in its
+folders whose name ends in .ibs in any case. What is written of NAME.ibs goes into
+DIR/NAME, of SUB/NAME.ibs in a folder into DIR/SUB/NAME; a name that is taken gets _2,
+_3 and so on. A file that fails stops no other. Messages come in the order of the files;
+at the end stands a table of all files, their status, counts and folders. A terminal
+shows the progress. SUBCKT is for one FILE alone.
+
 Exit status: 0 files written, with or without warnings; 1 errors, or nothing written,
 or, with --werror, warnings (the files are written nevertheless); 2 wrong use.
+Of many files one that ends in 1 makes it 1.
 
 Examples:
   ibis-load convert buffer.ibs
@@ -33,20 +42,43 @@ Examples:
   ibis-load convert dram.ibs --select "40 Ohm driver" --werror
       chooses a model by its description; a warning fails the command
   ibis-load convert buffer.ibs --json -o out > report.json
-      reports as JSON: status, files, warnings and errors)";
+      reports as JSON: status, files, warnings and errors
+  ibis-load convert vendor -j 0 -o libraries
+      converts each .ibs file below vendor, with a thread for each core
+  ibis-load convert a.ibs b.ibs old/a.ibs -o libraries
+      writes into libraries/a, libraries/b and libraries/a_2
+  ibis-load convert vendor -j 4 --json -o libraries > report.json
+      reports as one JSON array: each object begins with its file)";
 
 std::string checkSubcircuit(const std::string& name) {
   const bool isName = name.find_first_of(" \t\n/%") == name.npos;
   return isName ? "" : "A subcircuit's name holds no blank, '/' or '%'";
 }
 
+std::string checkJobs(const std::string& text) {
+  const bool isNumber = !text.empty() && text.find_first_not_of("0123456789") == text.npos;
+  const bool isPlain = text == "0" || !text.starts_with('0');
+  const bool isSmall = text.size() < 4 || (text.size() == 4 && text <= "1024");
+  return isNumber && isPlain && isSmall ? "" : '\'' + text + "' is no number from 0 to 1024";
+}
+
 std::string checkFolder(const std::string& name) {
   return name.empty() ? "A folder's name is not empty" : "";
 }
 
+void addSourceOptions(CLI::App& command, ConvertOptions& options) {
+  command.add_option("FILE", options.sources, "IBIS files, or folders of them")
+      ->type_name("")
+      ->required();
+  command.add_option("-j,--jobs", options.jobs, "Threads for many files; 0 for one a core")
+      ->type_name("N")
+      ->check(checkJobs)
+      ->allow_extra_args(false)
+      ->capture_default_str();
+}
+
 void addFileOptions(CLI::App& command, ConversionRequest& request) {
   const CLI::IsMember modes({"model", "package", "script", "symbol"}, CLI::ignore_case);
-  command.add_option("FILE", request.source, "The IBIS file")->required();
   command.add_option("-m,--mode", request.mode, "What to write, in any case of letters")
       ->type_name("MODE")
       ->check(modes)
@@ -76,8 +108,9 @@ void addChoiceOptions(CLI::App& command, ConversionRequest& request) {
 }
 
 void addReportOptions(CLI::App& command, ConvertOptions& options) {
-  command.add_flag("--json", options.asJson, "Report as one JSON object on standard output");
-  command.add_flag("-q,--quiet", options.isQuiet, "No standard output but that of --json");
+  command.add_flag("--json", options.asJson, "Report as JSON on standard output");
+  command.add_flag("-q,--quiet", options.isQuiet,
+                   "No progress, and no standard output but that of --json");
   command.add_flag("--werror", options.warningsFail,
                    "Exit status 1 for warnings; the files are written nevertheless");
 }
@@ -88,26 +121,13 @@ std::string withoutSlashAtEnd(std::string folder) {
   return folder;
 }
 
-int exitStatusOf(const Conversion& conversion, bool warningsFail) {
-  const bool isWritten = conversion.errors.empty() && !conversion.files.empty();
-  const bool isGood = isWritten && (conversion.warnings.empty() || !warningsFail);
-  return isGood ? exitStatus::done : exitStatus::failed;
+// One name for the subcircuits of all files would be right for none but one.
+void checkAgainstEachOther(const ConvertOptions& options) {
+  if (options.request.subcircuit.empty() || !areManyFiles(options.sources)) return;
+  throw CLI::ValidationError("--subcircuit", "Only one FILE can be given a subcircuit's name");
 }
 
-}  // namespace
-
-CLI::App* addConvertCommand(CLI::App& program, ConvertOptions& options) {
-  CLI::App* command =
-      program.add_subcommand("convert", "Convert an IBIS file, in the way that MODE tells.");
-  addFileOptions(*command, options.request);
-  addChoiceOptions(*command, options.request);
-  addReportOptions(*command, options);
-  command->footer(details);
-  return command;
-}
-
-int runConvert(ConvertOptions options) {
-  options.request.folder = withoutSlashAtEnd(options.request.folder);
+int convertOneFile(const ConvertOptions& options) {
   const Conversion conversion = convert(options.request);
   const int status = exitStatusOf(conversion, options.warningsFail);
   printMessages(std::cerr, options.request.source, conversion);
@@ -117,6 +137,27 @@ int runConvert(ConvertOptions options) {
     printSummary(std::cout, conversion);
   }
   return status;
+}
+
+}  // namespace
+
+CLI::App* addConvertCommand(CLI::App& program, ConvertOptions& options) {
+  CLI::App* command =
+      program.add_subcommand("convert", "Convert IBIS files, in the way that MODE tells.");
+  addSourceOptions(*command, options);
+  addFileOptions(*command, options.request);
+  addChoiceOptions(*command, options.request);
+  addReportOptions(*command, options);
+  command->footer(details);
+  command->parse_complete_callback([&options] { checkAgainstEachOther(options); });
+  return command;
+}
+
+int runConvert(ConvertOptions options) {
+  options.request.folder = withoutSlashAtEnd(options.request.folder);
+  if (areManyFiles(options.sources)) return convertManyFiles(options);
+  options.request.source = options.sources.front();
+  return convertOneFile(options);
 }
 
 }  // namespace ibis::cli

@@ -5,10 +5,16 @@
 
 namespace ibis::cli {
 
-/// The value on one line; bytes that are not UTF-8 become U+FFFD.
+/// The value without line ends; bytes that are not UTF-8 become U+FFFD.
+template <class Json>
+std::string jsonText(const Json& value) {
+  return value.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+/// The value on one line.
 template <class Json>
 std::string jsonLine(const Json& value) {
-  return value.dump(-1, ' ', false, Json::error_handler_t::replace) + '\n';
+  return jsonText(value) + '\n';
 }
 
 }  // namespace ibis::cli

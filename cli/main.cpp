@@ -53,7 +53,8 @@ int run(int count, char** words) {
 }  // namespace ibis::cli
 
 int main(int count, char** words) {
-  // A reader that leaves shows as a failed write, not as the end of the program.
+  // A reader that leaves and a file at its limit show as failed writes, not as the program's end.
   std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
   return ibis::cli::run(count, words);
 }

@@ -1,7 +1,6 @@
 #include "report.h"
 
-#include <ostream>
-
+#include "exit_status.h"
 #include "json_line.h"
 
 namespace ibis::cli {
@@ -18,10 +17,6 @@ void printList(std::ostream& out, const std::string& source, const std::vector<M
   }
 }
 
-std::string counted(std::size_t count, const std::string& word) {
-  return std::to_string(count) + ' ' + word + (count == 1 ? "" : "s");
-}
-
 ordered_json toJson(const std::vector<Message>& list) {
   ordered_json array = ordered_json::array();
   for (const Message& message : list) {
@@ -32,7 +27,20 @@ ordered_json toJson(const std::vector<Message>& list) {
   return array;
 }
 
+void addResult(ordered_json& object, const Conversion& conversion, int status) {
+  object["status"] = status;
+  object["files"] = conversion.files;
+  object["warnings"] = toJson(conversion.warnings);
+  object["errors"] = toJson(conversion.errors);
+}
+
 }  // namespace
+
+int exitStatusOf(const Conversion& conversion, bool warningsFail) {
+  const bool isWritten = conversion.errors.empty() && !conversion.files.empty();
+  const bool isGood = isWritten && (conversion.warnings.empty() || !warningsFail);
+  return isGood ? exitStatus::done : exitStatus::failed;
+}
 
 void printMessages(std::ostream& out, const std::string& source, const Conversion& conversion) {
   printList(out, source, conversion.warnings, "warning");
@@ -47,11 +55,21 @@ void printSummary(std::ostream& out, const Conversion& conversion) {
 
 void printJson(std::ostream& out, const Conversion& conversion, int status) {
   ordered_json object;
-  object["status"] = status;
-  object["files"] = conversion.files;
-  object["warnings"] = toJson(conversion.warnings);
-  object["errors"] = toJson(conversion.errors);
+  addResult(object, conversion, status);
   out << jsonLine(object);
+}
+
+void JsonArray::add(std::ostream& out, const std::string& file, const Conversion& conversion,
+                    int status) {
+  ordered_json object;
+  object["file"] = file;
+  addResult(object, conversion, status);
+  out << separator_ << jsonText(object);
+  separator_ = ",\n";
+}
+
+std::string counted(std::size_t count, const std::string& word) {
+  return std::to_string(count) + ' ' + word + (count == 1 ? "" : "s");
 }
 
 }  // namespace ibis::cli

@@ -80,7 +80,8 @@ Outcome run(const std::vector<std::string>& words, const Streams& streams) {
   const std::string output = streams.output.empty() ? folder.file("out") : streams.output;
   FileActions actions;
   actions.open(STDIN_FILENO, folder.write("in", streams.input), O_RDONLY);
-  actions.open(STDERR_FILENO, folder.file("err"), O_WRONLY | O_CREAT);
+  const std::string error = streams.error.empty() ? folder.file("err") : streams.error;
+  actions.open(STDERR_FILENO, error, O_WRONLY | O_CREAT);
   if (streams.outputHasNoReader) {
     actions.take(STDOUT_FILENO, unread.end());
   } else {
@@ -90,7 +91,7 @@ Outcome run(const std::vector<std::string>& words, const Streams& streams) {
   Outcome result;
   result.status = spawn(streams.program, words, actions);
   if (streams.output.empty()) result.out = readFile(output);
-  result.err = readFile(folder.file("err"));
+  if (streams.error.empty()) result.err = readFile(error);
   return result;
 }
 

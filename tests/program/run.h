@@ -17,6 +17,7 @@ struct Outcome {
 struct Streams {
   std::string input = {};
   std::string output = {};  ///< A file for standard output; empty to collect it.
+  std::string error = {};   ///< A file for standard error; empty to collect it.
   bool outputHasNoReader = false;
   std::string program = IBIS_PROGRAM_PATH;
   std::string folder = ".";  ///< Where the program works.

@@ -27,8 +27,6 @@ TEST(Usage, WrongUseEndsInStatusTwoAndSaysWhy) {
       {{"--unknown"}, "A subcommand is required"},
       {{"convert"}, "FILE is required"},
       {{"convert", "a.ibs", "--unknown"}, "The following argument was not expected: --unknown"},
-      {{"convert", "a.ibs", "b.ibs"}, "The following argument was not expected: b.ibs"},
-      {{"convert", "a.ibs", "-p", "1", "b"}, "The following argument was not expected: b"},
       {{"convert", "a.ibs", "-m"}, "--mode: 1 required MODE:{model,package,script,symbol} missing"},
       {{"convert", "a.ibs", "-m", "models"}, "--mode: models not in {model,package,script,symbol}"},
       {{"convert", "a.ibs", "-m", ""}, "--mode:  not in {model,package,script,symbol}"},
@@ -40,6 +38,17 @@ TEST(Usage, WrongUseEndsInStatusTwoAndSaysWhy) {
        "--subcircuit: A subcircuit's name holds no blank, '/' or '%'"},
       {{"convert", "a.ibs", "-s", "%rootdir%"},
        "--subcircuit: A subcircuit's name holds no blank, '/' or '%'"},
+      {{"convert", "a.ibs", "b.ibs", "-s", "dut"},
+       "--subcircuit: Only one FILE can be given a subcircuit's name"},
+      {{"convert", ".", "-s", "dut"},
+       "--subcircuit: Only one FILE can be given a subcircuit's name"},
+      {{"convert", "a.ibs", "-j"}, "--jobs: 1 required N missing"},
+      {{"convert", "a.ibs", "-j", ""}, "--jobs: '' is no number from 0 to 1024"},
+      {{"convert", "a.ibs", "-j", "two"}, "--jobs: 'two' is no number from 0 to 1024"},
+      {{"convert", "a.ibs", "-j", "-1"}, "--jobs: '-1' is no number from 0 to 1024"},
+      {{"convert", "a.ibs", "-j", "08"}, "--jobs: '08' is no number from 0 to 1024"},
+      {{"convert", "a.ibs", "-j", "1025"}, "--jobs: '1025' is no number from 0 to 1024"},
+      {{"convert", "a.ibs", "-j", "10000"}, "--jobs: '10000' is no number from 0 to 1024"},
       {{"call", "extra"}, "The following argument was not expected: extra"},
       {{"call", "--plugin"}, "--plugin: 1 required PATH missing"},
   };
@@ -96,7 +105,7 @@ Options:
   --version                   Print the version and exit
 
 Subcommands:
-  convert                     Convert an IBIS file, in the way that MODE tells.
+  convert                     Convert IBIS files, in the way that MODE tells.
   call                        Call the plug-in as a host does: JSON arguments in, JSON result out.
 
 Exit status: 0 done; 1 errors, or nothing written; 2 wrong use.
@@ -110,13 +119,26 @@ Examples:
 TEST(Usage, TheHelpOfConvertTellsOfEachOptionModeAndStatus) {
   const Outcome result = run({"convert", "--help"});
   EXPECT_EQ(result.status, 0);
-  for (const std::string text :
-       {"Usage: ibis-load convert [OPTIONS] FILE\n", "\n  -m,--mode MODE", "\n  -c,--component ",
-        "\n  -o,--output DIR=.", "\n  -s,--subcircuit SUBCKT ", "\n  -p,--pin PIN ...",
-        "\n  --select DESCRIPTION ...", "\n  --json ", "\n  -q,--quiet ", "\n  --werror ",
-        "\n  model    SUBCKT.lb", "\n           SUBCKT_INFO.html", "\n  package  SUBCKT.lb",
-        "\n  script   ibis_components.kvscr", "\n           it needs no COMPONENT",
-        "\n  symbol   nothing", "\nExit status: 0 files written", "\nExamples:\n"}) {
+  for (const std::string text : {"Usage: ibis-load convert [OPTIONS] FILE...\n",
+                                 "\n  -j,--jobs N=1 ",
+                                 "\n  -m,--mode MODE",
+                                 "\n  -c,--component ",
+                                 "\n  -o,--output DIR=.",
+                                 "\n  -s,--subcircuit SUBCKT ",
+                                 "\n  -p,--pin PIN ...",
+                                 "\n  --select DESCRIPTION ...",
+                                 "\n  --json ",
+                                 "\n  -q,--quiet ",
+                                 "\n  --werror ",
+                                 "\n  model    SUBCKT.lb",
+                                 "\n           SUBCKT_INFO.html",
+                                 "\n  package  SUBCKT.lb",
+                                 "\n  script   ibis_components.kvscr",
+                                 "\n           it needs no COMPONENT",
+                                 "\n  symbol   nothing",
+                                 "\nMany files: several FILEs, or a folder",
+                                 "\nExit status: 0 files written",
+                                 "\nExamples:\n"}) {
     EXPECT_THAT(result.out, HasSubstr(text));
   }
 }

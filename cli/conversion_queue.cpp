@@ -1,0 +1,80 @@
+#include "conversion_queue.h"
+
+#include <algorithm>
+#include <system_error>
+
+#include "host/diagnostics.h"
+
+namespace ibis::cli {
+namespace {
+
+Conversion failure(const std::string& reason) {
+  return {.files = {}, .warnings = {}, .errors = {{std::nullopt, reason}}};
+}
+
+}  // namespace
+
+ConversionQueue::ConversionQueue(const std::vector<Source>& sources,
+                                 const ConversionRequest& pattern, std::size_t threads)
+    : sources_(sources), pattern_(pattern) {
+  startThreads(std::min(threads, sources.size()));
+}
+
+ConversionQueue::~ConversionQueue() { next_ = sources_.size(); }
+
+std::optional<Conversion> ConversionQueue::take(std::chrono::milliseconds patience) {
+  std::unique_lock lock(mutex_);
+  changed_.wait_for(lock, patience, [&] { return fault_ || finished_.contains(taken_); });
+  if (fault_) std::rethrow_exception(fault_);
+  auto entry = finished_.extract(taken_);
+  if (entry.empty()) return std::nullopt;
+  ++taken_;
+  return std::move(entry.mapped());
+}
+
+const Source& ConversionQueue::current() const {
+  const std::size_t begun = std::min(next_.load(), sources_.size());
+  return sources_[begun == 0 ? 0 : begun - 1];
+}
+
+// A machine that has no more threads left still has those that were started.
+void ConversionQueue::startThreads(std::size_t count) {
+  try {
+    while (threads_.size() < count) threads_.emplace_back([this] { work(); });
+  } catch (const std::system_error&) {
+    if (threads_.empty()) throw;
+  }
+}
+
+void ConversionQueue::work() {
+  try {
+    for (std::size_t i = next_++; i < sources_.size(); i = next_++) {
+      Conversion result = convertSource(sources_[i]);
+      const std::lock_guard lock(mutex_);
+      finished_.emplace(i, std::move(result));
+      ++done_;
+      changed_.notify_one();
+    }
+  } catch (...) {
+    const std::lock_guard lock(mutex_);
+    fault_ = std::current_exception();
+    changed_.notify_one();
+  }
+}
+
+// Whatever happens to one file must not keep the others from being converted.
+Conversion ConversionQueue::convertSource(const Source& source) const {
+  if (!source.fault.empty()) return failure(source.fault);
+  ConversionRequest request = pattern_;
+  request.source = source.name;
+  request.folder = source.folder;
+  try {
+    return convert(request);
+  } catch (const std::exception& fault) {
+    return failure(fault.what());
+  } catch (const KelvrantException& fault) {
+    return failure(fault.message);
+  }
+}
+
+}  // namespace ibis::cli

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <exception>
+#include <mutex>
+#include <optional>
+#include <thread>
+#include <unordered_map>
+#include <vector>
+
+#include "conversion.h"
+#include "source_list.h"
+
+namespace ibis::cli {
+
+/// Converts sources in threads and hands the results out in the sources' order.
+class ConversionQueue {
+ public:
+  /// Starts the work; the sources must outlive it.
+  ConversionQueue(const std::vector<Source>& sources, const ConversionRequest& pattern,
+                  std::size_t threads);
+
+  /// Waits for the conversions under way; no further one begins.
+  ~ConversionQueue();
+  ConversionQueue(const ConversionQueue&) = delete;
+  ConversionQueue& operator=(const ConversionQueue&) = delete;
+
+  /// The next result, or none if it is not there after that time.
+  std::optional<Conversion> take(std::chrono::milliseconds patience);
+
+  /// How many sources are done, those not yet taken included.
+  std::size_t doneCount() const { return done_; }
+
+  /// The source that was begun last; the first before any was.
+  const Source& current() const;
+
+ private:
+  void startThreads(std::size_t count);
+  void work();
+  Conversion convertSource(const Source& source) const;
+
+  const std::vector<Source>& sources_;
+  const ConversionRequest pattern_;
+  std::atomic<std::size_t> next_ = 0;
+  std::atomic<std::size_t> done_ = 0;
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  std::unordered_map<std::size_t, Conversion> finished_;  // results not yet taken
+  std::size_t taken_ = 0;
+  std::exception_ptr fault_;  // what stopped a thread
+  std::vector<std::jthread> threads_;
+};
+
+}  // namespace ibis::cli

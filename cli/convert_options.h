@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "conversion.h"
+
+namespace ibis::cli {
+
+/// What the command line of `convert` gives.
+struct ConvertOptions {
+  ConversionRequest request{.source = {},
+                            .mode = "model",
+                            .component = {},
+                            .folder = ".",
+                            .subcircuit = {},
+                            .pins = {},
+                            .selections = {}};
+  std::vector<std::string> sources;  ///< Files and folders; the request's own is set for each.
+  unsigned jobs = 1;                 ///< Threads for many files; 0 for one a core.
+  bool asJson = false;
+  bool isQuiet = false;
+  bool warningsFail = false;
+};
+
+}  // namespace ibis::cli

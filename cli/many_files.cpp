@@ -1,0 +1,86 @@
+#include "many_files.h"
+
+#include <algorithm>
+#include <iostream>
+#include <sstream>
+
+#include "conversion_queue.h"
+#include "exit_status.h"
+#include "progress.h"
+#include "report.h"
+#include "result_table.h"
+
+namespace ibis::cli {
+namespace {
+
+std::size_t threadCount(unsigned jobs) {
+  return jobs == 0 ? std::max(1U, std::thread::hardware_concurrency()) : jobs;
+}
+
+// Tells of each conversion as soon as those ahead of it are told.
+class RunningReport {
+ public:
+  explicit RunningReport(const ConvertOptions& options) : options_(options) {}
+
+  void add(const Source& source, const Conversion& conversion, Progress& progress) {
+    const int status = exitStatusOf(conversion, options_.warningsFail);
+    if (status != exitStatus::done) status_ = status;
+    printMessagesOf(source, conversion, progress);
+    if (options_.asJson) {
+      json_.add(std::cout, source.name, conversion, status);
+    } else if (!options_.isQuiet) {
+      table_.add(source, conversion, status);
+    }
+  }
+
+  int finish() {
+    if (options_.asJson) {
+      json_.finish(std::cout);
+    } else if (!options_.isQuiet) {
+      table_.print(std::cout);
+    }
+    return status_;
+  }
+
+ private:
+  // In one piece, since standard error writes each piece by itself.
+  static void printMessagesOf(const Source& source, const Conversion& conversion,
+                              Progress& progress) {
+    std::ostringstream text;
+    printMessages(text, source.name, conversion);
+    if (text.view().empty()) return;
+    progress.wipe();
+    std::cerr << text.view();
+  }
+
+  const ConvertOptions& options_;
+  JsonArray json_;
+  ResultTable table_;
+  int status_ = exitStatus::done;
+};
+
+void convertAll(const std::vector<Source>& sources, const ConvertOptions& options,
+                RunningReport& report) {
+  Progress progress(sources.size(), !options.isQuiet);
+  progress.show(0, sources.front().name);
+  ConversionQueue queue(sources, options.request, threadCount(options.jobs));
+  for (const Source& source : sources) {
+    auto conversion = queue.take(Progress::interval);
+    for (; !conversion; conversion = queue.take(Progress::interval)) {
+      progress.show(queue.doneCount(), queue.current().name);
+    }
+    report.add(source, *conversion, progress);
+    progress.show(queue.doneCount(), queue.current().name);
+  }
+}
+
+}  // namespace
+
+int convertManyFiles(const ConvertOptions& options) {
+  const std::vector<Source> sources = listSources(options.sources, options.request.folder);
+  RunningReport report(options);
+  convertAll(sources, options, report);
+  return report.finish();
+}
+
+}  // namespace ibis::cli

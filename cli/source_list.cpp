@@ -1,0 +1,142 @@
+#include "source_list.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <unordered_map>
+#include <utility>
+
+namespace ibis::cli {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view ibisEnding = ".ibs";
+
+bool isFolder(const std::string& name) {
+  std::error_code isAbsent;
+  return fs::is_directory(name, isAbsent);
+}
+
+bool isIbisName(std::string_view name) {
+  const auto isSame = [](char a, char b) { return (a >= 'A' && a <= 'Z' ? a + 32 : a) == b; };
+  return name.size() >= ibisEnding.size() &&
+         std::ranges::equal(name.substr(name.size() - ibisEnding.size()), ibisEnding, isSame);
+}
+
+// What is left of "..ibs" and "...ibs" would lead out of the output folder.
+std::string withoutEnding(const std::string& name) {
+  if (!isIbisName(name)) return name;
+  const std::string stem = name.substr(0, name.size() - ibisEnding.size());
+  return stem.empty() || stem == "." || stem == ".." ? name : stem;
+}
+
+// Gives each folder name once, so that no two sources write into one folder.
+class FolderNames {
+ public:
+  std::string take(const std::string& wanted) {
+    std::string name = wanted;
+    while (!taken_.try_emplace(name, 1).second) {
+      name = wanted + '_' + std::to_string(++taken_[wanted]);
+    }
+    return name;
+  }
+
+ private:
+  std::unordered_map<std::string, std::size_t> taken_;  // with the last number given
+};
+
+class SourceCollector {
+ public:
+  explicit SourceCollector(fs::path output) : output_(std::move(output)) {}
+
+  void addFile(const fs::path& name, const fs::path& below) {
+    const fs::path wanted = output_ / below / withoutEnding(name.filename().string());
+    sources_.push_back({name.string(), folders_.take(wanted.string()), {}});
+  }
+
+  void addFolder(const fs::path& name) {
+    const std::size_t before = sources_.size();
+    search(name, {});
+    if (sources_.size() == before) addFault(name, "Nothing to convert: no file ends in .ibs");
+  }
+
+  std::vector<Source> take() { return std::move(sources_); }
+
+ private:
+  using Identity = std::pair<dev_t, ino_t>;
+
+  void addFault(const fs::path& name, const std::string& fault) {
+    sources_.push_back({name.string(), {}, fault});
+  }
+
+  // Each file and folder of a folder by name, whatever order the file system has.
+  void search(const fs::path& name, const fs::path& below) {
+    if (!enter(name)) return;
+    std::error_code fault;
+    std::vector<fs::directory_entry> entries;
+    for (fs::directory_iterator entry(name, fault), end; !fault && entry != end;
+         entry.increment(fault)) {
+      entries.push_back(*entry);
+    }
+    if (fault) addFault(name, "Cannot read the whole folder: " + fault.message());
+    std::ranges::sort(entries);
+    for (const fs::directory_entry& entry : entries) addEntry(entry, below);
+    searched_.pop_back();
+  }
+
+  void addEntry(const fs::directory_entry& entry, const fs::path& below) {
+    std::error_code fault;
+    if (entry.is_directory(fault)) {
+      search(entry.path(), below / entry.path().filename());
+    } else if (isIbisName(entry.path().native())) {
+      addFile(entry.path(), below);
+    } else if (fault && fault != std::errc::no_such_file_or_directory) {
+      addFault(entry.path(), "Cannot tell whether it is a folder: " + fault.message());
+    }
+  }
+
+  // A folder inside itself would be searched for ever.
+  bool enter(const fs::path& name) {
+    struct stat status {};
+    if (::stat(name.c_str(), &status) != 0) {
+      addFault(name, "Cannot read the folder: " + std::generic_category().message(errno));
+      return false;
+    }
+    const Identity identity(status.st_dev, status.st_ino);
+    if (std::ranges::find(searched_, identity) != searched_.end()) {
+      addFault(name, "The link leads back to a folder above it and is not followed");
+      return false;
+    }
+    searched_.push_back(identity);
+    return true;
+  }
+
+  fs::path output_;
+  FolderNames folders_;
+  std::vector<Identity> searched_;  // the folder that is being searched, and those above it
+  std::vector<Source> sources_;
+};
+
+}  // namespace
+
+bool areManyFiles(const std::vector<std::string>& arguments) {
+  return arguments.size() > 1 || std::ranges::any_of(arguments, isFolder);
+}
+
+std::vector<Source> listSources(const std::vector<std::string>& arguments,
+                                const std::string& output) {
+  SourceCollector collector(output);
+  for (const std::string& argument : arguments) {
+    if (isFolder(argument)) {
+      collector.addFolder(argument);
+    } else {
+      collector.addFile(argument, {});
+    }
+  }
+  return collector.take();
+}
+
+}  // namespace ibis::cli
