@@ -8,18 +8,17 @@
 #include "support/files.h"
 
 namespace ibis {
+// All memory is there before the file is opened and emptied.
 std::unique_ptr<OutputStream> OutputStream::open(const std::string& name) {
-  std::FILE* file = nullptr;
-  if (fopen_s_utf8(&file, name.c_str(), "w") != 0) return nullptr;
+  std::unique_ptr<OutputStream> stream(new OutputStream(name));
+  if (fopen_s_utf8(&stream->file_, name.c_str(), "w") != 0) return nullptr;
   // The buffer is the stream's own; a second one would hold text back from flush().
-  std::setvbuf(file, nullptr, _IONBF, 0);
-  return std::unique_ptr<OutputStream>(new OutputStream(file, name));
+  std::setvbuf(stream->file_, nullptr, _IONBF, 0);
+  return stream;
 }
 
-OutputStream::OutputStream(std::FILE* file, std::string name)
-    : file_(file),
-      name_(std::move(name)),
-      buffer_(std::make_unique_for_overwrite<char[]>(bufferSize)) {}
+OutputStream::OutputStream(std::string name)
+    : name_(std::move(name)), buffer_(std::make_unique_for_overwrite<char[]>(bufferSize)) {}
 
 OutputStream::~OutputStream() { close(); }
 

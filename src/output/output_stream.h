@@ -38,12 +38,12 @@ class OutputStream {
   const std::string& name() const { return name_; }
 
  private:
-  OutputStream(std::FILE* file, std::string name);
+  explicit OutputStream(std::string name);
   char* room(std::size_t count);
 
   static constexpr std::size_t bufferSize = 1 << 16;
 
-  std::FILE* file_;
+  std::FILE* file_ = nullptr;
   std::string name_;
   std::unique_ptr<char[]> buffer_;
   std::size_t used_ = 0;
