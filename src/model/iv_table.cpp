@@ -1,5 +1,6 @@
 #include "model/iv_table.h"
 
+#include <algorithm>
 #include <array>
 
 #include "host/messages.h"
@@ -21,15 +22,24 @@ bool breaksMonotony(std::int32_t direction, double voltage, double last) {
 }
 
 // Each point is held against the latest one kept, so a run behind a backward jump goes whole.
-// Points ahead of `first` are known to be in order.
-bool dropBreakingPoints(IBISTable& table, std::int32_t first) {
-  std::int32_t kept = first;
-  for (std::int32_t i = first; i < table.voltage.size(); ++i) {
-    if (breaksMonotony(table.direction, table.voltage[i], table.voltage[kept - 1])) continue;
+//
+// A repeated keyword adds to the table and may turn it, again and again where not-a-numbers, which
+// break no order, keep it long. Points once found in order in a direction are not looked at again.
+bool dropBreakingPoints(IBISTable& table) {
+  const std::size_t descends = table.direction == IBISTable::descending ? 1 : 0;
+  std::int32_t& orderedOtherwise = table.ordered[1 - descends];
+  const std::int32_t count = table.voltage.size();
+  std::int32_t kept = table.ordered[descends];
+  for (std::int32_t i = kept; i < count; ++i) {
+    if (breaksMonotony(table.direction, table.voltage[i], table.voltage[kept - 1])) {
+      orderedOtherwise = std::min(orderedOtherwise, kept);
+      continue;
+    }
     for (YVector<double>* list : allLists(table)) list->at(kept) = list->at(i);
     ++kept;
   }
-  if (kept >= table.voltage.size()) return false;
+  table.ordered[descends] = kept;
+  if (kept >= count) return false;
   for (YVector<double>* list : allLists(table)) list->shorten(kept);
   return true;
 }
@@ -54,15 +64,10 @@ void appendRows(IBISTable& table, IBISRecords records, std::int32_t& cursor) {
 void readTable(IBISTable& table, IBISRecords records, std::int32_t& cursor,
                IBISErrorHandler& errors, const char* tableName) {
   const std::int32_t line = recordAt(records, cursor).line;
-  const std::int32_t rowsBefore = table.voltage.size();
-  const std::int32_t directionBefore = table.direction;
   table.present = true;
   appendRows(table, records, cursor);
   table.direction = directionOf(table.voltage);
-  // A repeated keyword adds to the table; what it held is in order as long as it did not turn.
-  const bool turned = table.direction != directionBefore;
-  const std::int32_t first = turned || rowsBefore == 0 ? 1 : rowsBefore;
-  if (dropBreakingPoints(table, first)) errors.warning(message::pointsRemoved, tableName, line);
+  if (dropBreakingPoints(table)) errors.warning(message::pointsRemoved, tableName, line);
 }
 
 void evaluateTable(const IBISTable& table, double& value, double& slope, double x, int corner) {

@@ -20,6 +20,8 @@ struct IBISTable {
   YVector<double> typ;
   YVector<double> max;
   YVector<double> min;
+  /// Leading points known to be in order were the table ascending, and were it descending.
+  std::int32_t ordered[2] = {1, 1};
 
   /// The currents of a corner's index; any other index means typ.
   const YVector<double>& corner(int index) const {

@@ -25,6 +25,27 @@ std::string modelAnd(const std::string& rest) {
   return "[Component] U\n[Model] M\nModel_type Output\n" + rest;
 }
 
+// The voltages that are beyond the latest one kept, in the direction of the ends.
+std::vector<std::string> inOrder(const std::vector<std::string>& voltages) {
+  const bool falls = std::stod(voltages.back()) < std::stod(voltages.front());
+  std::vector<std::string> kept{voltages.front()};
+  for (std::size_t i = 1; i < voltages.size(); ++i) {
+    const double voltage = std::stod(voltages[i]);
+    const double last = std::stod(kept.back());
+    if (falls ? voltage >= last : voltage <= last) continue;
+    kept.push_back(voltages[i]);
+  }
+  return kept;
+}
+
+std::vector<std::string> texts(const YVector<double>& voltages) {
+  std::vector<std::string> list;
+  for (const double voltage : voltages) {
+    list.push_back(std::isnan(voltage) ? "nan" : std::to_string(static_cast<int>(voltage)));
+  }
+  return list;
+}
+
 const char* const removed =
     "Non-monotonic or constant points removed from Pulldown table starting line 1";
 
@@ -276,6 +297,30 @@ class RandomTable {
 TEST(IvTable, OfRepeatedKeywordsEqualsAFilterOverAllRows) {
   for (std::uint32_t seed = 1; seed <= 2000 && !::testing::Test::HasFailure(); ++seed) {
     RandomTable(seed).check();
+  }
+}
+
+// Voltages of several sections of one table, which turns with each, against a plain second look at
+// every point.
+TEST(IvTable, ThatTurnsKeepsWhatASecondLookWouldKeep) {
+  constexpr const char* words[] = {"nan", "-2", "-1", "0", "1", "2"};
+  std::mt19937 dice(7);
+  for (int round = 0; round < 2000; ++round) {
+    IBISTable table;
+    std::vector<std::string> kept;
+    for (int section = 0; section < 6; ++section) {
+      std::string rows;
+      for (std::size_t row = 0; row < 1 + dice() % 3; ++row) {
+        kept.emplace_back(words[dice() % std::size(words)]);
+        rows += kept.back() + " 0\n";
+      }
+      const Scanned scanned("[Pulldown]\n" + rows);
+      std::int32_t cursor = 0;
+      Recorder sink;
+      readTable(table, scanned.records(), cursor, sink, "Pulldown");
+      kept = inOrder(kept);
+      EXPECT_EQ(texts(table.voltage), kept);
+    }
   }
 }
 
