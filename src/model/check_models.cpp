@@ -42,12 +42,19 @@ bool checkModel(const IBISModel& model, IBISErrorHandler& errors) {
 
 }  // namespace
 
-void checkModels(std::span<IBISModel* const> models, IBISErrorHandler& errors) {
+void checkModels(std::span<IBISModel* const> models, IBISErrorHandler& errors,
+                 std::int32_t pointLimit) {
+  std::int64_t estimatedPoints = 0;
   for (IBISModel* model : models) {
     if (!checkModel(*model, errors) || isBuiltIn(model->type)) continue;
     resolveReferences(*model, errors);
     applyInputDefaults(*model, errors);
-    estimateWaveforms(*model, errors);
+    estimatedPoints += estimateWaveforms(*model, errors);
+    if (estimatedPoints > pointLimit) {
+      errors.error(message::tooManyEstimatedPoints, model->lineNumber, model->name.str().c_str(),
+                   pointLimit);
+      return;
+    }
     sortWaveforms(*model);
   }
 }

@@ -128,6 +128,12 @@ IBISOptional& cornerFixture(IBISWaveform& waveform, int corner) {
                                  : waveform.vFixture;
 }
 
+std::int64_t countPoints(const std::vector<IBISWaveform>& list) {
+  std::int64_t count = 0;
+  for (const IBISWaveform& waveform : list) count += waveform.time.size();
+  return count;
+}
+
 void addWaveform(std::vector<IBISWaveform>& list, std::int32_t kind, bool noDelay,
                  const IBISTriple& rampTime) {
   IBISWaveform& waveform = list.emplace_back();
@@ -191,15 +197,16 @@ void solveCorner(IBISModel& model, int corner) {
                  {fall, fall / bandFraction, vHighPwr, vLowPwr, load, supply, corner});
 }
 
-void estimateWaveforms(IBISModel& model, IBISErrorHandler& errors) {
-  if (!hasOutput(model.type)) return;
-  if (!model.risingWaveforms.empty() || !model.fallingWaveforms.empty()) return;
+std::int64_t estimateWaveforms(IBISModel& model, IBISErrorHandler& errors) {
+  if (!hasOutput(model.type)) return 0;
+  if (!model.risingWaveforms.empty() || !model.fallingWaveforms.empty()) return 0;
   errors.warning(message::waveformsEstimated, model.name.str().c_str());
   addWaveform(model.risingWaveforms, 0, false, model.rampDtRise);
   addWaveform(model.risingWaveforms, 1, true, model.rampDtRise);
   addWaveform(model.fallingWaveforms, 0, true, model.rampDtFall);
   addWaveform(model.fallingWaveforms, 1, false, model.rampDtFall);
   for (int corner = 0; corner < corner::count; ++corner) solveCorner(model, corner);
+  return countPoints(model.risingWaveforms) + countPoints(model.fallingWaveforms);
 }
 
 }  // namespace ibis

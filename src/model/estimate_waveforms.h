@@ -9,8 +9,8 @@ namespace ibis {
 ///
 /// Their levels are the DC points of the driver's tables on the load of the ramp; between them a
 /// straight line of the ramp's duration is bent into the levels. The operations keep one order,
-/// since results are compared to the last printed digit.
-void estimateWaveforms(IBISModel& model, IBISErrorHandler& errors);
+/// since results are compared to the last printed digit. Gives the number of points in all.
+std::int64_t estimateWaveforms(IBISModel& model, IBISErrorHandler& errors);
 
 /// One transition at one corner; seconds, volts and ohms.
 struct EstimatedEdge {

@@ -305,6 +305,58 @@ TEST(CheckModels, WarnOnlyOfTheDefaultsOfAnInputWithoutRangeAndTables) {
                   "Model 'In': Vinh not defined using default 2.0V");
 }
 
+IBISModel unfinishedDriver(const char* name) {
+  IBISModel model = unfinishedModel(ModelType::output);
+  model.lineNumber = 7;
+  model.name = name;
+  model.rampDtRise = {.present = true, .typ = 1e-9, .max = 1e-9, .min = 1e-9};
+  model.rampDtFall = model.rampDtRise;
+  return model;
+}
+
+std::int32_t countPoints(const IBISModel& model) {
+  std::int32_t count = 0;
+  for (const auto* list : {&model.risingWaveforms, &model.fallingWaveforms}) {
+    for (const IBISWaveform& waveform : *list) count += waveform.time.size();
+  }
+  return count;
+}
+
+constexpr char estimatedX[] =
+    "Model X: Estimated waveform as no waveform data in model file. Waveform may deviate "
+    "substantially from actual device";
+constexpr char estimatedY[] =
+    "Model Y: Estimated waveform as no waveform data in model file. Waveform may deviate "
+    "substantially from actual device";
+
+TEST(CheckModels, EstimateUpToALimitOfPointsInAllModels) {
+  IBISModel x = unfinishedDriver("X");
+  IBISModel y = unfinishedDriver("Y");
+  IBISModel* const models[] = {&x, &y};
+  Sequence told;
+  checkModels(models, told);
+  const std::int32_t points = countPoints(x) + countPoints(y);
+  EXPECT_GT(points, 1000);
+
+  x = unfinishedDriver("X");
+  y = unfinishedDriver("Y");
+  checkModels(models, told, points);
+  EXPECT_MESSAGES(told.messages, estimatedX, estimatedY, estimatedX, estimatedY);
+}
+
+TEST(CheckModels, EndWithTheModelWhosePointsAreAboveTheLimit) {
+  IBISModel x = unfinishedDriver("X");
+  IBISModel y = unfinishedDriver("Y");
+  IBISModel z = unfinishedDriver("Z");
+  IBISModel* const models[] = {&x, &y, &z};
+  Sequence told;
+  checkModels(models, told, 1000);
+  EXPECT_MESSAGES(told.messages, estimatedX, estimatedY,
+                  "Line 7: Model 'Y' takes the estimated waveforms of the file above the limit of "
+                  "1000 points");
+  EXPECT_EQ(countPoints(z), 0);
+}
+
 TEST(CheckModels, TakeNamesAndLinesFromTheFile) {
   const Loaded loaded = loadText(
       "[Component] U1\n[Pin]\n1 S1 Drv\n[Model] Drv\nModel_type I/O\nPolarity none\nEnable high\n");
