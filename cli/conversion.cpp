@@ -1,12 +1,15 @@
 #include "conversion.h"
 
 #include <cerrno>
+#include <exception>
 #include <filesystem>
 #include <fstream>
 #include <limits>
 
 #include "finite_check.h"
 #include "host/load_sequence.h"
+#include "host/messages.h"
+#include "interruption.h"
 #include "output_names.h"
 
 namespace ibis::cli {
@@ -88,8 +91,11 @@ std::string write(Load& load, const ConversionRequest& request, Conversion& resu
   nameSubcircuit(load);
   std::string obstacle = findObstacle(load, request);
   if (obstacle.empty()) obstacle = makeFolder(request.folder);
-  if (obstacle.empty()) result.files = load.write();
-  return obstacle;
+  if (!obstacle.empty()) return obstacle;
+  const FilesAtRisk files(
+      outputNames(load.mode(), request.folder, load.file().data().userSubcircuitName));
+  result.files = load.write();
+  return {};
 }
 
 void takeMessages(const IBISFileData& file, Conversion& result) {
@@ -114,16 +120,21 @@ void warnOfValuesNotFinite(const Load& load, Conversion& result) {
 
 }  // namespace
 
+Conversion failure(const std::string& reason) {
+  return {.files = {}, .warnings = {}, .errors = {{std::nullopt, reason}}};
+}
+
 Conversion convert(const ConversionRequest& request) {
   Conversion result;
   Load load(toLoadRequest(request));
-  load.read();
-  if (!load.sourceWasRead()) {
-    result.errors.push_back({std::nullopt, reasonUnread(request.source)});
-    return result;
-  }
   std::string obstacle;
-  if (!load.file().hasErrors()) obstacle = write(load, request, result);
+  try {
+    load.read();
+    if (!load.sourceWasRead()) return failure(reasonUnread(request.source));
+    if (!load.file().hasErrors()) obstacle = write(load, request, result);
+  } catch (const std::exception& fault) {
+    load.file().error(message::loadFailed, fault.what());
+  }
   takeMessages(load.file().data(), result);
   if (!obstacle.empty()) result.errors.push_back({std::nullopt, obstacle});
   warnOfValuesNotFinite(load, result);

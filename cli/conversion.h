@@ -25,6 +25,9 @@ struct Conversion {
   std::vector<Message> errors;
 };
 
+/// A conversion that came to nothing.
+Conversion failure(const std::string& reason);
+
 /// Reads the file and writes what the mode asks for, unless an error stands.
 Conversion convert(const ConversionRequest& request);
 

@@ -6,14 +6,6 @@
 #include "host/diagnostics.h"
 
 namespace ibis::cli {
-namespace {
-
-Conversion failure(const std::string& reason) {
-  return {.files = {}, .warnings = {}, .errors = {{std::nullopt, reason}}};
-}
-
-}  // namespace
-
 ConversionQueue::ConversionQueue(const std::vector<Source>& sources,
                                  const ConversionRequest& pattern, std::size_t threads)
     : sources_(sources), pattern_(pattern) {

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 
+#include "interruption.h"
 #include "many_files.h"
 #include "report.h"
 #include "source_list.h"
@@ -130,7 +131,7 @@ void checkAgainstEachOther(const ConvertOptions& options) {
 int convertOneFile(const ConvertOptions& options) {
   const Conversion conversion = convert(options.request);
   const int status = exitStatusOf(conversion, options.warningsFail);
-  printMessages(std::cerr, options.request.source, conversion);
+  std::cerr << messageText(options.request.source, conversion);
   if (options.asJson) {
     printJson(std::cout, conversion, status);
   } else if (!options.isQuiet) {
@@ -154,6 +155,7 @@ CLI::App* addConvertCommand(CLI::App& program, ConvertOptions& options) {
 }
 
 int runConvert(ConvertOptions options) {
+  watchForInterruption();
   options.request.folder = withoutSlashAtEnd(options.request.folder);
   if (areManyFiles(options.sources)) return convertManyFiles(options);
   options.request.source = options.sources.front();

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iostream>
-#include <sstream>
 
 #include "conversion_queue.h"
 #include "exit_status.h"
@@ -25,7 +24,7 @@ class RunningReport {
   void add(const Source& source, const Conversion& conversion, Progress& progress) {
     const int status = exitStatusOf(conversion, options_.warningsFail);
     if (status != exitStatus::done) status_ = status;
-    printMessagesOf(source, conversion, progress);
+    printMessages(messageText(source.name, conversion), progress);
     if (options_.asJson) {
       json_.add(std::cout, source.name, conversion, status);
     } else if (!options_.isQuiet) {
@@ -43,14 +42,10 @@ class RunningReport {
   }
 
  private:
-  // In one piece, since standard error writes each piece by itself.
-  static void printMessagesOf(const Source& source, const Conversion& conversion,
-                              Progress& progress) {
-    std::ostringstream text;
-    printMessages(text, source.name, conversion);
-    if (text.view().empty()) return;
+  static void printMessages(const std::string& text, Progress& progress) {
+    if (text.empty()) return;
     progress.wipe();
-    std::cerr << text.view();
+    std::cerr << text;
   }
 
   const ConvertOptions& options_;

@@ -49,8 +49,12 @@ std::optional<std::string_view> modelName(std::string_view text) {
 MessageLocator::MessageLocator(const IBISFileData& file) {
   for (const auto& model : file.models) {
     if (model->lineNumber == 0) continue;  // built in, so no line is its
-    const auto [entry, isNew] = lines_.try_emplace(model->name, model->lineNumber);
-    if (!isNew) entry->second = 0;
+    const auto place = static_cast<std::size_t>(models_.findOrAdd(model->name));
+    if (place == lines_.size()) {
+      lines_.push_back(model->lineNumber);
+    } else {
+      lines_[place] = 0;
+    }
   }
 }
 
@@ -63,9 +67,10 @@ Message MessageLocator::locate(std::string_view text) const {
 
 std::optional<std::int32_t> MessageLocator::modelLine(std::string_view text) const {
   const auto name = modelName(text);
-  const auto entry = name ? lines_.find(*name) : lines_.end();
-  if (entry == lines_.end() || entry->second == 0) return std::nullopt;
-  return entry->second;
+  const std::int32_t place = name ? models_.find(*name) : models_.absent;
+  if (place == models_.absent) return std::nullopt;
+  const std::int32_t line = lines_[static_cast<std::size_t>(place)];
+  return line == 0 ? std::nullopt : std::optional(line);
 }
 
 }  // namespace ibis::cli

@@ -4,9 +4,10 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
+#include <vector>
 
 #include "reader/file.h"
+#include "reader/name_index.h"
 
 namespace ibis::cli {
 
@@ -28,7 +29,8 @@ class MessageLocator {
  private:
   std::optional<std::int32_t> modelLine(std::string_view text) const;
 
-  std::unordered_map<std::string_view, std::int32_t> lines_;  // 0 for a name of several models
+  NameIndex<ExactCase> models_;
+  std::vector<std::int32_t> lines_;  // of the models; 0 for a name of several
 };
 
 }  // namespace ibis::cli

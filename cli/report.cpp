@@ -8,12 +8,12 @@ namespace {
 
 using nlohmann::ordered_json;
 
-void printList(std::ostream& out, const std::string& source, const std::vector<Message>& list,
-               std::string_view level) {
+void appendList(std::string& text, const std::string& source, const std::vector<Message>& list,
+                std::string_view level) {
   for (const Message& message : list) {
-    out << source << ':';
-    if (message.line) out << *message.line << ':';
-    out << ' ' << level << ": " << message.text << '\n';
+    text.append(source).append(":");
+    if (message.line) text.append(std::to_string(*message.line)).append(":");
+    text.append(" ").append(level).append(": ").append(message.text).append("\n");
   }
 }
 
@@ -42,9 +42,11 @@ int exitStatusOf(const Conversion& conversion, bool warningsFail) {
   return isGood ? exitStatus::done : exitStatus::failed;
 }
 
-void printMessages(std::ostream& out, const std::string& source, const Conversion& conversion) {
-  printList(out, source, conversion.warnings, "warning");
-  printList(out, source, conversion.errors, "error");
+std::string messageText(const std::string& source, const Conversion& conversion) {
+  std::string text;
+  appendList(text, source, conversion.warnings, "warning");
+  appendList(text, source, conversion.errors, "error");
+  return text;
 }
 
 void printSummary(std::ostream& out, const Conversion& conversion) {

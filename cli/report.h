@@ -11,8 +11,9 @@ namespace ibis::cli {
 /// What one conversion alone ends the program with.
 int exitStatusOf(const Conversion& conversion, bool warningsFail);
 
-/// Writes each message on a line of its own that editors can jump on.
-void printMessages(std::ostream& out, const std::string& source, const Conversion& conversion);
+/// Each message on a line of its own that editors can jump on; in one piece, since standard error
+/// writes each piece by itself.
+std::string messageText(const std::string& source, const Conversion& conversion);
 
 /// Writes the names of the files and the counts of messages.
 void printSummary(std::ostream& out, const Conversion& conversion);

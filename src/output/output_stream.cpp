@@ -1,5 +1,9 @@
 #include "output/output_stream.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <charconv>
 #include <cstring>
@@ -8,9 +12,38 @@
 #include "support/files.h"
 
 namespace ibis {
+namespace {
+
+// Opening a pipe would wait for its reader, and the host with it. One that has a reader keeps it
+// for as long as this lives.
+class PipeProbe {
+ public:
+  explicit PipeProbe(const std::string& name) {
+    struct stat status {};
+    if (stat(name.c_str(), &status) != 0 || !S_ISFIFO(status.st_mode)) return;
+    end_ = ::open(name.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
+    hasNoReader_ = end_ < 0;
+  }
+  ~PipeProbe() {
+    if (end_ >= 0) ::close(end_);
+  }
+  PipeProbe(const PipeProbe&) = delete;
+  PipeProbe& operator=(const PipeProbe&) = delete;
+
+  bool hasNoReader() const { return hasNoReader_; }
+
+ private:
+  int end_ = -1;
+  bool hasNoReader_ = false;
+};
+
+}  // namespace
+
 // All memory is there before the file is opened and emptied.
 std::unique_ptr<OutputStream> OutputStream::open(const std::string& name) {
   std::unique_ptr<OutputStream> stream(new OutputStream(name));
+  const PipeProbe pipe(name);
+  if (pipe.hasNoReader()) return nullptr;
   if (fopen_s_utf8(&stream->file_, name.c_str(), "w") != 0) return nullptr;
   // The buffer is the stream's own; a second one would hold text back from flush().
   std::setvbuf(stream->file_, nullptr, _IONBF, 0);

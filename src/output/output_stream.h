@@ -11,7 +11,7 @@ namespace ibis {
 /// One open output file; writing never fails visibly until close() tells.
 class OutputStream {
  public:
-  /// Opens the file for writing, name in UTF-8; null if that fails.
+  /// Opens the file for writing, name in UTF-8; null if that fails or would wait for a reader.
   static std::unique_ptr<OutputStream> open(const std::string& name);
 
   ~OutputStream();
