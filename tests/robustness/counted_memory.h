@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstdint>
+
+namespace ibis::testing {
+
+/// What a thread took from `operator new` since it began.
+struct MemoryUse {
+  std::uint64_t allocations = 0;
+  std::uint64_t bytes = 0;
+  std::int64_t live = 0;  ///< Allocations that were not given back.
+};
+
+/// The use of the thread that asks.
+MemoryUse memoryUse();
+
+/// Whether this build can make malloc fail; a sanitizer has a malloc of its own.
+bool canFailMalloc();
+
+/// Makes allocations of this thread fail for as long as it lives.
+class FailingMemory {
+ public:
+  enum class Source { operatorNew, malloc };
+  enum class Duration { once, forEver };
+
+  /// Lets `successes` allocations pass before the first failure.
+  FailingMemory(Source source, Duration duration, std::uint64_t successes);
+  ~FailingMemory();
+  FailingMemory(const FailingMemory&) = delete;
+  FailingMemory& operator=(const FailingMemory&) = delete;
+
+  /// Whether any allocation failed.
+  bool hasFailed() const { return failures_ > 0; }
+
+  /// Counts one allocation; true for one that is to fail.
+  bool fails(Source source);
+
+ private:
+  Source source_;
+  Duration duration_;
+  std::uint64_t successes_;
+  std::uint64_t failures_ = 0;
+};
+
+}  // namespace ibis::testing
