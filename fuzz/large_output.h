@@ -1,0 +1,43 @@
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+#include <string_view>
+
+#include "model/numbers.h"
+#include "reader/parser.h"
+
+namespace ibis::fuzz {
+
+/// Whether a package model promises more pins than a few; each costs three lines of a netlist.
+inline bool promisesManyPins(IBISRecords records) {
+  constexpr std::int32_t mostPins = 100;
+  return std::ranges::any_of(records, [](const IBISRecord& record) {
+    return record.keyword == keyword::numberOfPins && parseInteger(record.text()) > mostPins;
+  });
+}
+
+/// Whether one corner of a ramp is far slower than another, whose hundredth part is the step of
+/// both.
+inline bool isUnequal(const IBISTriple& time) {
+  constexpr double mostUnequal = 10.0;
+  const double typ = std::fabs(time.typ);
+  const double min = std::fabs(time.min);
+  const double max = std::fabs(time.max);
+  const double fastest = std::fmin(typ, std::fmin(min, max));
+  return fastest > 0.0 && std::fmax(typ, std::fmax(min, max)) > mostUnequal * fastest;
+}
+
+/// Whether a few bytes of the text ask for so much output that a fuzzer would do nothing else.
+inline bool asksForLargeOutput(std::string_view text) {
+  const IBISScanResult scan = scanIBISText(text);
+  if (promisesManyPins(scan.records)) return true;
+  IBISFile file;
+  std::int32_t index = 0;
+  parseFile(file, scan.records, index);
+  return std::ranges::any_of(file.data().models, [](const auto& model) {
+    return isUnequal(model->rampDtRise) || isUnequal(model->rampDtFall);
+  });
+}
+
+}  // namespace ibis::fuzz

@@ -1,0 +1,40 @@
+// Every package section of a text, and its netlist.
+
+#include <algorithm>
+#include <vector>
+
+#include "fuzz.h"
+#include "large_output.h"
+#include "package/netlist.h"
+#include "package/package_reader.h"
+#include "reader/file.h"
+
+namespace ibis::fuzz {
+namespace {
+
+void checkNetlist(const IBISPackageModel& model) {
+  std::vector<std::string_view> nodes;
+  for (std::int32_t i = 0; i < model.pinNames.size(); ++i) nodes.push_back(model.pinNames.name(i));
+  const std::string netlist = buildPackageNetlist(model, nodes, model.name);
+  REQUIRE(std::ranges::count(netlist, '\n') == 3 * std::max(model.numberOfPins, 0) + 1);
+  REQUIRE(netlist == buildPackageNetlist(model, nodes, model.name));
+}
+
+}  // namespace
+}  // namespace ibis::fuzz
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace ibis;
+  const IBISScanResult scan = scanIBISText(fuzz::textOf(data, size));
+  if (fuzz::promisesManyPins(scan.records)) return 0;
+  IBISFile file;
+  for (std::int32_t i = 0; i < static_cast<std::int32_t>(scan.records.size()); ++i) {
+    if (recordAt(scan.records, i).keyword != keyword::definePackageModel) continue;
+    const std::int32_t begin = i;
+    IBISPackageModel model;
+    REQUIRE(readPackageModel(model, scan.records, i, file));
+    REQUIRE(i >= begin);
+    fuzz::checkNetlist(model);
+  }
+  return 0;
+}
