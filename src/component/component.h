@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <forward_list>
 #include <vector>
 
 #include "component/name_table.h"
@@ -16,18 +17,29 @@ struct IBISPackage {
 };
 
 /// One row of [Pin].
+///
+/// There may be very many, so pins without values of their own share those of a package.
 struct IBISPin {
-  bool parsed = false;
   IBISString name;
-  IBISString signal_name;  ///< Made unique within the component.
-  IBISString model_name;   ///< A model, a selector or a reserved word.
-  IBISString spiceName;    ///< SPICE-legal form of signal_name.
-  bool hasOwnRLC = false;  ///< The row carried the three R, L and C columns.
-  IBISTriple R_pin{.present = true};
-  IBISTriple L_pin{.present = true};
-  IBISTriple C_pin{.present = true};
-  std::int32_t line = 0;
+  IBISString signal_name;      ///< Made unique within the component.
+  IBISString model_name;       ///< A model, a selector or a reserved word.
+  IBISString spiceName;        ///< SPICE-legal form of signal_name.
   IBISModel* model = nullptr;  ///< Null until resolved, and for good if nothing was found.
+  const IBISPackage* package = nullptr;       ///< Whose values a row without own ones has.
+  double ownR = 0.0, ownL = 0.0, ownC = 0.0;  ///< Of all corners.
+  std::int32_t line = 0;
+  bool parsed = false;
+  bool hasOwnRLC = false;  ///< The row carried the three R, L and C columns.
+
+  /// The pin's resistance, inductance and capacitance.
+  IBISTriple R_pin() const { return valuesOf(ownR, &IBISPackage::R_pkg); }
+  IBISTriple L_pin() const { return valuesOf(ownL, &IBISPackage::L_pkg); }
+  IBISTriple C_pin() const { return valuesOf(ownC, &IBISPackage::C_pkg); }
+
+ private:
+  IBISTriple valuesOf(double own, IBISTriple IBISPackage::*shared) const {
+    return hasOwnRLC || package == nullptr ? IBISTriple{true, own, own, own} : package->*shared;
+  }
 };
 
 /// One row of [Diff Pin]; volts and seconds.
@@ -88,6 +100,7 @@ struct IBISComponent {
   std::int32_t timingLocation = location::notGiven;
   IBISString manufacturer;
   IBISPackage package;
+  std::forward_list<IBISPackage> packagesOfPins;  ///< As each [Pin] found it, until prepared.
   std::vector<IBISPin> pins;
   std::vector<IBISPinMapping> pinMappings;
   std::vector<IBISDiffPin> diffPins;

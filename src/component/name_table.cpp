@@ -1,5 +1,6 @@
 #include "component/name_table.h"
 
+#include <algorithm>
 #include <string>
 
 namespace ibis {
@@ -7,13 +8,7 @@ namespace {
 
 constexpr std::string_view illegalInSpice = "*/-+.:<>|\\;{} \t";
 
-std::string legalForm(std::string_view name) {
-  std::string legal(name);
-  for (char& c : legal) {
-    if (illegalInSpice.find(c) != std::string_view::npos) c = '_';
-  }
-  return std::string(foldReservedName(legal));
-}
+bool isIllegalInSpice(char c) { return illegalInSpice.find(c) != std::string_view::npos; }
 
 std::string numbered(std::string_view base, std::int32_t counter) {
   return std::string(base) + '_' + std::to_string(counter);
@@ -23,13 +18,18 @@ std::string numbered(std::string_view base, std::int32_t counter) {
 
 void IBISNameTable::registerName(std::string_view name) {
   if (sources_.contains(name)) return;
-  const std::string base = legalForm(name);
-  const std::string_view source = strings_.store(name);
-  // Most names are legal as they are and share one text with their SPICE name.
-  std::string_view spice = base == source ? source : strings_.store(base);
+  std::string_view spice = legalForm(name);
   if (spiceNames_.contains(spice)) spice = freeSpiceName(spice);
-  sources_.add(source);
+  sources_.add(name);
   spiceNames_.add(spice);
+}
+
+// Most names are legal as they are and share one text with their SPICE name.
+std::string_view IBISNameTable::legalForm(std::string_view name) {
+  if (std::ranges::none_of(name, isIllegalInSpice)) return foldReservedName(name);
+  std::string legal(name);
+  std::ranges::replace_if(legal, isIllegalInSpice, '_');
+  return strings_.store(foldReservedName(legal));
 }
 
 // A numbered name is never a reserved word, so no folding is needed here.
@@ -60,6 +60,18 @@ IBISString IBISNameTable::makeUniqueName(std::string_view name) {
 IBISString IBISNameTable::spiceName(std::string_view name) const {
   const std::int32_t place = sources_.find(name);
   return place == sources_.absent ? IBISString() : IBISString(spiceNames_.name(place));
+}
+
+void IBISNameTable::reserve(std::size_t count) {
+  sources_.reserve(count);
+  spiceNames_.reserve(count);
+}
+
+void IBISNameTable::forgetNames() {
+  sources_ = {};
+  spiceNames_ = {};
+  sourceCounters_ = {};
+  spiceCounters_ = {};
 }
 
 }  // namespace ibis

@@ -10,7 +10,8 @@ namespace ibis {
 
 /// Maps source names to SPICE-legal names that are unique in the table, whatever their case.
 ///
-/// An entry never changes. The texts that it gives out live as long as the table.
+/// An entry never changes. Names must outlive the table, which keeps no copies of them; the texts
+/// that it gives out are theirs or live as long as the table.
 class IBISNameTable {
  public:
   /// Gives the name a SPICE name, if it has none yet.
@@ -22,7 +23,14 @@ class IBISNameTable {
   /// The SPICE name, empty for a name that is not registered.
   IBISString spiceName(std::string_view name) const;
 
+  /// Makes room for so many names.
+  void reserve(std::size_t count);
+
+  /// Forgets which names there are; their texts stay.
+  void forgetNames();
+
  private:
+  std::string_view legalForm(std::string_view name);
   std::string_view freeSourceName(std::string_view name);
   std::string_view freeSpiceName(std::string_view base);
 

@@ -15,10 +15,9 @@ class PinRow {
 
   std::string_view token(Column column) { return fields_.at(columns_[column] + 1); }
 
-  // One value serves all corners; NA keeps the package's typ of the moment.
-  IBISTriple triple(Column column, const IBISTriple& package) {
-    const double value = parseNumber(token(column), package.typ);
-    return {true, value, value, value};
+  // NA keeps the package's typ of the moment.
+  double value(Column column, const IBISTriple& package) {
+    return parseNumber(token(column), package.typ);
   }
 
  private:
@@ -35,18 +34,13 @@ void readRow(IBISPin& pin, IBISComponent& component, const std::vector<std::int3
   pin.model_name = row.token(modelName);
   pin.signal_name = component.nameTable.makeUniqueName(signal);
   pin.spiceName = component.nameTable.spiceName(pin.signal_name);
-  const IBISPackage& package = component.package;
+  pin.package = &component.packagesOfPins.front();
   // Reading a column lengthens the row up to it, so a header may count rows as complete.
   pin.hasOwnRLC = fields.size() >= ownRLCTokens;
-  if (pin.hasOwnRLC) {
-    pin.R_pin = row.triple(resistance, package.R_pkg);
-    pin.L_pin = row.triple(inductance, package.L_pkg);
-    pin.C_pin = row.triple(capacitance, package.C_pkg);
-  } else {
-    pin.R_pin = package.R_pkg;
-    pin.L_pin = package.L_pkg;
-    pin.C_pin = package.C_pkg;
-  }
+  if (!pin.hasOwnRLC) return;
+  pin.ownR = row.value(resistance, pin.package->R_pkg);
+  pin.ownL = row.value(inductance, pin.package->L_pkg);
+  pin.ownC = row.value(capacitance, pin.package->C_pkg);
 }
 
 std::int32_t findLast(const Fields& tokens, std::string_view name) {
@@ -72,8 +66,11 @@ std::vector<std::int32_t> mapColumns(IBISString header, std::span<const std::str
 void readPins(IBISComponent& component, IBISRecords records, std::int32_t& index) {
   const std::vector<std::int32_t> columns =
       mapColumns(recordAt(records, index).text(), columnNames);
+  component.packagesOfPins.push_front(component.package);
   if (component.pins.empty()) {
-    component.pins.reserve(static_cast<std::size_t>(countDataLines(records, index)));
+    const auto rows = static_cast<std::size_t>(countDataLines(records, index));
+    component.pins.reserve(rows);
+    component.nameTable.reserve(rows);
   }
   Fields fields;
   std::string_view text;

@@ -23,6 +23,19 @@ class EntryBuilder {
   EntryBuilder(IBISComponent& component, const PinFilter& filter, IBISErrorHandler& errors)
       : component_(component), filter_(filter), errors_(errors) {}
 
+  // Gives the number of pairs.
+  std::size_t addEntries() {
+    markPairedNames();
+    indexPins();
+    addPairs();
+    const std::size_t pairs = component_.pinEntries.size();
+    pinsByName_ = {};  // as large as the entries that follow
+    firstPins_ = {};
+    addSingles();
+    return pairs;
+  }
+
+ private:
   // Names in [Diff Pin] rows count as paired whether or not their row is valid.
   void markPairedNames() {
     for (const IBISDiffPin& row : component_.diffPins) {
@@ -32,6 +45,8 @@ class EntryBuilder {
   }
 
   void indexPins() {
+    pinsByName_.reserve(component_.pins.size());
+    firstPins_.reserve(component_.pins.size());
     for (const IBISPin& pin : component_.pins) {
       const std::int32_t place = pinsByName_.find(pin.name);
       if (place == pinsByName_.absent) {
@@ -62,7 +77,6 @@ class EntryBuilder {
     }
   }
 
- private:
   const IBISPin* findPin(std::string_view name) const {
     const std::int32_t place = pinsByName_.find(name);
     return place == pinsByName_.absent ? nullptr : firstPins_[static_cast<std::size_t>(place)];
@@ -134,12 +148,7 @@ bool entryLess(const IBISPinEntry& a, const IBISPinEntry& b) {
 }
 
 void buildPinEntries(IBISComponent& component, const PinFilter& filter, IBISErrorHandler& errors) {
-  EntryBuilder builder(component, filter, errors);
-  builder.markPairedNames();
-  builder.indexPins();
-  builder.addPairs();
-  const std::size_t pairs = component.pinEntries.size();
-  builder.addSingles();
+  const std::size_t pairs = EntryBuilder(component, filter, errors).addEntries();
   const std::span<IBISPinEntry> entries(component.pinEntries);
   mergeSort(entries.first(pairs), entryLess);
   mergeSort(entries.subspan(pairs), entryLess);
@@ -147,11 +156,9 @@ void buildPinEntries(IBISComponent& component, const PinFilter& filter, IBISErro
 
 void applyPackageDefaults(IBISComponent& component) {
   for (IBISPin& pin : component.pins) {
-    if (pin.hasOwnRLC) continue;
-    pin.R_pin = component.package.R_pkg;
-    pin.L_pin = component.package.L_pkg;
-    pin.C_pin = component.package.C_pkg;
+    pin.package = &component.package;
   }
+  component.packagesOfPins.clear();
 }
 
 bool isNumber(std::string_view name) {

@@ -102,12 +102,9 @@ void Load::takeOptions() {
 
 void Load::readSource() {
   file_.setFilePath(sp_GetFullPath(request_.source.c_str()).text());
-  scan_ = scanIBISText(text_.text());
-  std::int32_t index = 0;
-  parseFile(file_, scan_.records, index);
+  scanner_.emplace(text_.text());
+  parseFile(file_, *scanner_);
   if (!file_.hasErrors()) postParse(file_, component_, pinFilter_);
-  // The texts behind the records are still in use, the records themselves are not.
-  scan_.records = {};
 }
 
 void Load::checkComponent() {

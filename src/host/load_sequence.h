@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -58,7 +59,7 @@ class Load {
   IBISString component_;
   std::vector<IBISString> pinFilter_;
   TextBuffer text_;
-  IBISScanResult scan_;
+  std::optional<IBISScanner> scanner_;  // keeps the lines that it wrote anew
   bool sourceWasRead_ = false;
   IBISFile file_;
 };

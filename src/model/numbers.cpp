@@ -3,6 +3,7 @@
 #include <locale.h>
 #include <stdlib.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cstring>
 #include <limits>
@@ -123,6 +124,26 @@ double unitFactor(char c) {
   }
 }
 
+// The number of the next field, or of the filler where there is none.
+//
+// Nearly all are read in one pass, which the end of the number ends and not that of its field.
+double takeNumber(std::string_view& text, std::string_view filler, double fallback) {
+  text.remove_prefix(std::min(text.find_first_not_of(delimiters::blanks), text.size()));
+  const std::size_t sign = !text.empty() && (text[0] == '-' || text[0] == '+') ? 1 : 0;
+  const std::string_view digits = text.substr(sign);
+  const NumberPrefix number = looksDecimal(digits) ? readShortNumber(digits) : NumberPrefix();
+  if (number.length == 0) {
+    const std::string_view field = takeField(text);
+    return parseNumber(field.empty() ? filler : field, fallback);
+  }
+  const double value = sign != 0 && text[0] == '-' ? -number.value : number.value;
+  text.remove_prefix(sign + number.length);
+  if (text.empty()) return value;
+  const double factor = unitFactor(text[0]);
+  while (!text.empty() && text[0] != ' ' && text[0] != '\t') text.remove_prefix(1);
+  return value * factor;
+}
+
 }  // namespace
 
 NumberPrefix readNumber(std::string_view text) {
@@ -190,15 +211,11 @@ void splitFields(std::string_view text, Fields& fields, std::int32_t minimumCoun
 }
 
 CornerRow readCornerRow(std::string_view text, std::string_view filler) {
-  const auto next = [&] {
-    const std::string_view field = takeField(text);
-    return field.empty() ? filler : field;
-  };
   CornerRow row;
-  row.x = parseNumber(next(), 0.0);
-  row.typ = parseNumber(next(), 0.0);
-  row.min = parseNumber(next(), row.typ);
-  row.max = parseNumber(next(), row.typ);
+  row.x = takeNumber(text, filler, 0.0);
+  row.typ = takeNumber(text, filler, 0.0);
+  row.min = takeNumber(text, filler, row.typ);
+  row.max = takeNumber(text, filler, row.typ);
   return row;
 }
 

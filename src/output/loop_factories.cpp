@@ -9,15 +9,19 @@ namespace ibis {
 namespace {
 
 // A half pair counts as single, whatever else the entry says.
-IBISPinEntry pairOrSingle(const IBISPinEntry& entry) {
-  return entry.isPair() ? entry : IBISPinEntry{.pin = entry.pin, .model = entry.model};
+void addPairOrSingle(LoopItems& items, const IBISPinEntry& entry, const IBISComponent& component) {
+  if (entry.isPair()) {
+    items.append<ForEachPin>(entry, component);
+  } else {
+    items.append<ForEachPin>(*entry.pin, component);
+  }
 }
 
 void addPinsOfType(LoopItems& items, const OutputRun& run, ModelType type) {
   if (run.component() == nullptr) return;
   for (const IBISPinEntry& entry : run.component()->pinEntries) {
     if (entry.model->type != type) continue;
-    items.append<ForEachPin>(pairOrSingle(entry), *run.component());
+    addPairOrSingle(items, entry, *run.component());
   }
 }
 
@@ -77,7 +81,7 @@ bool forEachComponent(OutputRun& run, LoopItems& items) {
 bool forEachPin(OutputRun& run, LoopItems& items) {
   if (run.component() == nullptr) return true;
   for (const IBISPin& pin : run.component()->pins) {
-    items.append<ForEachPin>(IBISPinEntry{.pin = &pin, .model = pin.model}, *run.component());
+    items.append<ForEachPin>(pin, *run.component());
   }
   return true;
 }
@@ -85,7 +89,7 @@ bool forEachPin(OutputRun& run, LoopItems& items) {
 bool forEachSpicePin(OutputRun& run, LoopItems& items) {
   if (run.component() == nullptr) return true;
   for (const IBISPinEntry& entry : run.component()->pinEntries) {
-    items.append<ForEachPin>(pairOrSingle(entry), *run.component());
+    addPairOrSingle(items, entry, *run.component());
   }
   return true;
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <memory_resource>
 #include <string_view>
 #include <utility>
@@ -37,6 +36,10 @@ class ForEachObject {
 
   /// What the condition says of the object.
   virtual bool evaluate(std::string_view, const KeywordArguments&) const { return false; }
+
+ private:
+  friend class LoopItems;
+  ForEachObject* next_ = nullptr;
 };
 
 /// The objects of one loop in the order of its passes.
@@ -50,22 +53,38 @@ class LoopItems {
   template <class Object, class... Arguments>
   void append(Arguments&&... arguments) {
     void* place = memory_.allocate(sizeof(Object), alignof(Object));
-    items_.push_back(new (place) Object(std::forward<Arguments>(arguments)...));
+    ForEachObject* const item = new (place) Object(std::forward<Arguments>(arguments)...);
+    (last_ != nullptr ? last_->next_ : first_) = item;
+    last_ = item;
   }
 
-  std::size_t size() const { return items_.size(); }
-  bool empty() const { return items_.empty(); }
-  const ForEachObject& operator[](std::size_t place) const { return *items_[place]; }
+  bool empty() const { return first_ == nullptr; }
+
+  /// Goes to the first object.
+  void restart() { current_ = first_; }
+
+  /// Goes on to the next object; false at the last.
+  bool advance() {
+    if (current_ == last_) return false;
+    current_ = current_->next_;
+    return true;
+  }
+
+  /// The object of the pass that runs; there is none in an empty list.
+  const ForEachObject& current() const { return *current_; }
+  bool isAtFirst() const { return current_ == first_; }
 
   void clear() {
-    for (ForEachObject* item : items_) item->~ForEachObject();
-    items_.clear();
+    while (first_ != nullptr) std::exchange(first_, first_->next_)->~ForEachObject();
+    current_ = last_ = nullptr;
     memory_.release();
   }
 
  private:
   std::pmr::monotonic_buffer_resource memory_;
-  std::vector<ForEachObject*> items_;
+  ForEachObject* first_ = nullptr;
+  ForEachObject* current_ = nullptr;
+  ForEachObject* last_ = nullptr;
 };
 
 }  // namespace ibis

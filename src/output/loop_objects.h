@@ -21,15 +21,19 @@ class ForEachModel final : public ForEachObject {
 
 class ForEachPin final : public ForEachObject {
  public:
-  /// A pin with what an entry of a component says of it; an entry's halves may be missing.
+  /// A pin by itself.
+  ForEachPin(const IBISPin& each, const IBISComponent& owner) : pin(&each), component(owner) {}
+
+  /// A pin with all that an entry of a component says of it; the halves of a pair may be missing.
   ForEachPin(const IBISPinEntry& each, const IBISComponent& owner)
-      : entry(each), component(owner) {}
+      : pin(each.pin), entry(&each), component(owner) {}
   bool value(std::string_view keywordText, OutputStream* out, const KeywordPosition& position,
              TextBuffer& text) const override;
   bool isCondition(std::string_view name) const override;
   bool evaluate(std::string_view name, const KeywordArguments& arguments) const override;
 
-  IBISPinEntry entry;
+  const IBISPin* pin;
+  const IBISPinEntry* entry = nullptr;
   const IBISComponent& component;
 };
 

@@ -8,14 +8,24 @@ namespace {
 constexpr int valueDigits = 12;
 constexpr int shortDigits = 6;
 
-// A pin of a component that was not prepared has no model; it then counts as of unknown type.
+// A pin of a component that was not prepared has none.
+const IBISModel* modelOf(const ForEachPin& loop) {
+  return loop.pin != nullptr ? loop.pin->model : nullptr;
+}
+
 ModelType typeOf(const ForEachPin& loop) {
-  return loop.entry.model != nullptr ? loop.entry.model->type : ModelType::unknown;
+  const IBISModel* model = modelOf(loop);
+  return model != nullptr ? model->type : ModelType::unknown;
+}
+
+const IBISPin* invertedPinOf(const ForEachPin& loop) {
+  return loop.entry != nullptr ? loop.entry->invertedPin : nullptr;
 }
 
 const char* polarityText(const ForEachPin& loop) {
-  if (loop.entry.model == nullptr) return "Undefined";
-  switch (loop.entry.model->polarity) {
+  const IBISModel* model = modelOf(loop);
+  if (model == nullptr) return "Undefined";
+  switch (model->polarity) {
     case 0:
       return "NonInverting";
     case 1:
@@ -27,12 +37,12 @@ const char* polarityText(const ForEachPin& loop) {
 
 template <IBISString IBISPin::*text>
 void writePinText(const ForEachPin& loop, OutputStream& out, std::int32_t) {
-  out.write(loop.entry.pin->*text);
+  out.write(loop.pin->*text);
 }
 
-template <IBISTriple IBISPin::*triple>
+template <IBISTriple (IBISPin::*triple)() const>
 void writePinTriple(const ForEachPin& loop, OutputStream& out, std::int32_t) {
-  writeTriple(out, loop.entry.pin->*triple, valueDigits);
+  writeTriple(out, (loop.pin->*triple)(), valueDigits);
 }
 
 using PinValue = LoopValueRow<ForEachPin>;
@@ -48,15 +58,18 @@ constexpr PinValue values[] = {
     {"spicename", false, writePinText<&IBISPin::spiceName>},
     {"spicename_inv", false,
      [](const ForEachPin& loop, OutputStream& out, std::int32_t) {
-       if (loop.entry.invertedPin != nullptr) out.write(loop.entry.invertedPin->spiceName);
+       const IBISPin* inverted = invertedPinOf(loop);
+       if (inverted != nullptr) out.write(inverted->spiceName);
      }},
     {"vdiff", false,
      [](const ForEachPin& loop, OutputStream& out, std::int32_t) {
-       if (loop.entry.diffPin != nullptr) out.writeNumber(loop.entry.diffPin->vdiff, shortDigits);
+       const IBISDiffPin* row = loop.entry != nullptr ? loop.entry->diffPin : nullptr;
+       if (row != nullptr) out.writeNumber(row->vdiff, shortDigits);
      }},
     {"spicemodel", false,
      [](const ForEachPin& loop, OutputStream& out, std::int32_t) {
-       if (loop.entry.model != nullptr) out.write(loop.entry.model->spiceName);
+       const IBISModel* model = modelOf(loop);
+       if (model != nullptr) out.write(model->spiceName);
      }},
     {"type", false,
      [](const ForEachPin& loop, OutputStream& out, std::int32_t) {
@@ -90,7 +103,7 @@ constexpr PinCondition conditions[] = {
     {"ifhasinput", typeHolds<hasInput>},
     {"ifhasenable", typeHolds<hasEnable>},
     {"ifisdiff", [](const ForEachPin& loop,
-                    const KeywordArguments&) { return loop.entry.invertedPin != nullptr; }},
+                    const KeywordArguments&) { return invertedPinOf(loop) != nullptr; }},
 };
 
 }  // namespace

@@ -181,7 +181,7 @@ class Expansion {
   }
 
   bool takeLoopValue() {
-    const ForEachObject& object = items_[pass_];
+    const ForEachObject& object = items_.current();
     if (!object.value(keyword_, nullptr, position(), text_)) return false;
     if (isActive()) newlineEaten_ = object.value(keyword_, run_.out(), position(), text_);
     pendingSpaces_ = 0;
@@ -189,9 +189,9 @@ class Expansion {
   }
 
   bool takeLoopCondition(const Keyword& keyword) {
-    const ForEachObject& object = items_[pass_];
+    const ForEachObject& object = items_.current();
     if (keyword.name() == "iffirst") {
-      enterCondition(pass_ == 0);
+      enterCondition(items_.isAtFirst());
     } else if (object.isCondition(keyword.name())) {
       enterCondition(object.evaluate(keyword.name(), keyword.arguments));
     } else {
@@ -221,14 +221,13 @@ class Expansion {
     newlineEaten_ = true;
     inLoop_ = true;
     skipLoop_ = items_.empty();
-    pass_ = 0;
+    items_.restart();
     return true;
   }
 
   bool takeLoopEnd() {
     if (!equalIgnoringCase(keyword_, "endforeach")) return false;
-    if (pass_ + 1 < items_.size()) {
-      ++pass_;
+    if (items_.advance()) {
       text_.seek(loopStart_.position);
       line_ = loopStart_.line;
       column_ = loopStart_.column;
@@ -289,7 +288,6 @@ class Expansion {
   bool inLoop_ = false;
   bool skipLoop_ = false;
   LoopItems items_;
-  std::size_t pass_ = 0;
   LoopStart loopStart_;
 };
 

@@ -46,11 +46,17 @@ class NameIndex {
     }
   }
 
+  /// Makes room for so many names.
+  void reserve(std::size_t count) {
+    names_.reserve(count);
+    while (!hasRoomFor(count)) grow();
+  }
+
   bool contains(std::string_view name) const { return find(name) != absent; }
 
   /// Adds a name that is not there yet and gives its place.
   std::int32_t add(std::string_view name) {
-    if (2 * (names_.size() + 1) > slots_.size()) grow();
+    if (!hasRoomFor(names_.size() + 1)) grow();
     const std::int32_t place = size();
     names_.push_back(name);
     enter({static_cast<std::uint32_t>(Case::hash(name)), place});
@@ -69,6 +75,7 @@ class NameIndex {
     std::int32_t place = absent;
   };
 
+  bool hasRoomFor(std::size_t count) const { return count * 5 <= slots_.size() * 4; }
   std::size_t mask() const { return slots_.size() - 1; }
 
   void enter(Slot slot) {
@@ -86,7 +93,7 @@ class NameIndex {
   }
 
   std::vector<std::string_view> names_;
-  std::vector<Slot> slots_;  // a power of two of them, at most half in use
+  std::vector<Slot> slots_;  // a power of two of them, at most four in five in use
 };
 
 /// A running number for each name, 0 at first.

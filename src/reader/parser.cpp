@@ -80,6 +80,7 @@ bool parseHeader(IBISFile& file, IBISRecords records, std::int32_t& index) {
 void readComponentSection(IBISFile& file, IBISRecords records, std::int32_t& index) {
   auto component = std::make_unique<IBISComponent>();
   readComponent(*component, records, index, file.data().nameTable, file);
+  component->nameTable.forgetNames();
   file.data().components.push_back(std::move(component));
 }
 
@@ -126,6 +127,22 @@ void refuse(IBISFile& file, const IBISRecord& record) {
   }
 }
 
+// False at what ends the file ahead of the last record.
+bool parseSections(IBISFile& file, IBISRecords records, std::int32_t& index) {
+  const auto count = static_cast<std::int32_t>(records.size());
+  for (; index < count; ++index) {
+    const IBISRecord& record = recordAt(records, index);
+    if (record.keyword == keyword::end) return false;
+    const SectionReader read = sectionReader(record.keyword);
+    if (read == nullptr) {
+      refuse(file, record);
+      return false;
+    }
+    read(file, records, index);
+  }
+  return true;
+}
+
 std::vector<IBISModel*> allModels(const IBISFile& file) {
   std::vector<IBISModel*> models;
   for (const auto& model : file.data().models) models.push_back(model.get());
@@ -135,14 +152,16 @@ std::vector<IBISModel*> allModels(const IBISFile& file) {
 }  // namespace
 
 void parseFile(IBISFile& file, IBISRecords records, std::int32_t& index) {
+  if (parseHeader(file, records, index)) parseSections(file, records, index);
+}
+
+void parseFile(IBISFile& file, IBISScanner& scanner) {
+  std::int32_t index = 0;
+  IBISRecords records = scanner.nextPiece().records;
   if (!parseHeader(file, records, index)) return;
-  const auto count = static_cast<std::int32_t>(records.size());
-  for (; index < count; ++index) {
-    const IBISRecord& record = recordAt(records, index);
-    if (record.keyword == keyword::end) return;
-    const SectionReader read = sectionReader(record.keyword);
-    if (read == nullptr) return refuse(file, record);
-    read(file, records, index);
+  while (!records.empty() && parseSections(file, records, index)) {
+    records = scanner.nextPiece().records;
+    index = 0;
   }
 }
 

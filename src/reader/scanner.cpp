@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 
 #include "host/format_message.h"
 #include "host/messages.h"
@@ -14,138 +15,155 @@ constexpr std::string_view commentCharTail = "_char";
 constexpr std::int32_t standardLineLength = 120;
 constexpr std::size_t longestKeywordName = 120;
 constexpr char noComment = '\0';
-// Bounds what is reserved ahead for a file that is little else than line ends.
-constexpr std::size_t shortestUsualLine = 16;
+constexpr std::size_t usualPiece = 4096;  // records, which stay in a core's own cache
 
-class Scanner {
- public:
-  Scanner(std::string_view text, IBISScanResult& result)
-      : cursor_(text.data()), end_(text.data() + text.size()), result_(result) {}
-
-  void scan() {
-    while (cursor_ != end_ && !stopped_) scanLine();
-    checkLineLengths();
-  }
-
- private:
-  void scanLine() {
-    ++line_;
-    if (*cursor_ == commentChar_) {
-      skipLine();
-    } else if (*cursor_ == '[') {
-      scanKeyword();
-    } else {
-      const IBISRecord record = readRecordLine(keyword::dataLine, commentChar_);
-      if (!trimBlanks(record.text()).empty()) result_.records.push_back(record);
-    }
-  }
-
-  // The name may run over line ends, which the line counter does not see.
-  void scanKeyword() {
-    const char* const begin = cursor_ + 1;
-    const auto rest = static_cast<std::size_t>(end_ - begin);
-    const auto* close = static_cast<const char*>(rest ? std::memchr(begin, ']', rest) : nullptr);
-    const std::string_view name(begin, static_cast<std::size_t>((close ? close : end_) - begin));
-    cursor_ = close ? close + 1 : end_;
-    const std::int32_t id = lookUp(name);
-    if (id == keyword::none) {
-      reportUnknown(name);
-      skipLine();
-    } else if (id == keyword::commentChar) {
-      readCommentChar();
-    } else {
-      result_.records.push_back(readRecordLine(id, commentChar_));
-    }
-  }
-
-  static std::int32_t lookUp(std::string_view name) {
-    if (name.size() > longestKeywordName) return keyword::none;
-    char spaced[longestKeywordName];
-    std::replace_copy(name.begin(), name.end(), spaced, '_', ' ');
-    return keywordId({spaced, name.size()});
-  }
-
-  void reportUnknown(std::string_view name) {
-    std::string spaced(name);
-    std::ranges::replace(spaced, '_', ' ');
-    result_.errors.push_back(formatMessage(message::unknownKeyword, spaced.c_str(), line_));
-  }
-
-  // Nothing on this line is a comment, so that the argument itself is not cut off.
-  void readCommentChar() {
-    const IBISRecord record = readRecordLine(keyword::commentChar, noComment);
-    const IBISString argument = keywordText(record);
-    const std::string_view text = argument;
-    if (!text.empty() && allowedCommentChars.find(text[0]) == std::string_view::npos) {
-      stop(formatMessage(message::disallowedCommentChar, line_,
-                         std::string(allowedCommentChars).c_str()));
-    } else if (text.empty() || !equalIgnoringCase(text.substr(1), commentCharTail)) {
-      stop(formatMessage(message::incorrectCommentChar, line_));
-    } else {
-      commentChar_ = text[0];
-    }
-  }
-
-  void stop(std::string reason) {
-    result_.errors.push_back(std::move(reason));
-    stopped_ = true;
-  }
-
-  // Takes the rest of the line; what stands behind the comment or beyond the limit is dropped.
-  IBISRecord readRecordLine(std::int32_t id, char commentChar) {
-    const char* const begin = cursor_;
-    skipLine();
-    const char* end = cursor_;
-    if (end != begin && end[-1] == '\n') --end;
-    std::string_view text(begin, static_cast<std::size_t>(end - begin));
-    if (commentChar != noComment) text = text.substr(0, text.find(commentChar));
-    text = withoutCarriageReturns(text).substr(0, IBISRecord::maximumLength);
-    return {text.data(), line_, static_cast<std::uint8_t>(id),
-            static_cast<std::uint8_t>(text.size())};
-  }
-
-  std::string_view withoutCarriageReturns(std::string_view text) {
-    while (!text.empty() && text.back() == '\r') text.remove_suffix(1);
-    if (text.find('\r') == std::string_view::npos) return text;
-    std::string kept(text);
-    std::erase(kept, '\r');
-    return result_.rewritten.store(kept);
-  }
-
-  void skipLine() {
-    const auto rest = static_cast<std::size_t>(end_ - cursor_);
-    const auto* feed = static_cast<const char*>(rest ? std::memchr(cursor_, '\n', rest) : nullptr);
-    cursor_ = feed ? feed + 1 : end_;
-  }
-
-  void checkLineLengths() {
-    for (const IBISRecord& record : result_.records) {
-      if (record.length == IBISRecord::maximumLength) {
-        result_.errors.push_back(
-            formatMessage(message::lineTooLong, record.line, standardLineLength));
-      } else if (record.length > standardLineLength) {
-        result_.warnings.push_back(formatMessage(message::lineLong, record.line));
-      }
-    }
-  }
-
-  const char* cursor_;
-  const char* const end_;
-  IBISScanResult& result_;
-  std::int32_t line_ = 0;
-  char commentChar_ = '|';
-  bool stopped_ = false;
-};
+// The keyword's id; the name may be spelled with underscores.
+std::int32_t lookUp(std::string_view name) {
+  if (name.size() > longestKeywordName) return keyword::none;
+  char spaced[longestKeywordName];
+  std::replace_copy(name.begin(), name.end(), spaced, '_', ' ');
+  return keywordId({spaced, name.size()});
+}
 
 }  // namespace
 
-IBISScanResult scanIBISText(std::string_view text) {
+IBISScanner::IBISScanner(std::string_view text) {
   text = text.substr(0, text.find('\0'));
-  IBISScanResult result;
-  const auto lines = static_cast<std::size_t>(std::ranges::count(text, '\n'));
-  result.records.reserve(std::min(lines, text.size() / shortestUsualLine) + 1);
-  Scanner(text, result).scan();
-  return result;
+  cursor_ = text.data();
+  end_ = text.data() + text.size();
+  hasCarriageReturns_ = text.find('\r') != text.npos;
+}
+
+const IBISScanResult& IBISScanner::nextPiece() {
+  result_.records.clear();
+  result_.errors.clear();
+  result_.warnings.clear();
+  scanPiece(usualPiece);
+  return result_;
+}
+
+void IBISScanner::scanPiece(std::size_t fewestRecords) {
+  fewestRecords_ = fewestRecords;
+  pieceEnded_ = false;
+  while (cursor_ != end_ && !stopped_ && !pieceEnded_) scanLine();
+  checkLineLengths();
+}
+
+void IBISScanner::scanLine() {
+  ++line_;
+  if (*cursor_ == commentChar_) {
+    skipLine();
+  } else if (*cursor_ == '[') {
+    scanKeyword();
+  } else {
+    const IBISRecord record = readRecordLine(keyword::dataLine, commentChar_);
+    if (!trimBlanks(record.text()).empty()) result_.records.push_back(record);
+  }
+}
+
+// The name may run over line ends, which the line counter does not see.
+void IBISScanner::scanKeyword() {
+  const char* const begin = cursor_ + 1;
+  const auto rest = static_cast<std::size_t>(end_ - begin);
+  const auto* close = static_cast<const char*>(rest ? std::memchr(begin, ']', rest) : nullptr);
+  const std::string_view name(begin, static_cast<std::size_t>((close ? close : end_) - begin));
+  const std::int32_t id = lookUp(name);
+  if (endsPiece(id)) {
+    pieceEnded_ = true;
+    --line_;  // to be scanned again
+    return;
+  }
+  cursor_ = close ? close + 1 : end_;
+  if (id == keyword::none) {
+    reportUnknown(name);
+    skipLine();
+  } else if (id == keyword::commentChar) {
+    readCommentChar();
+  } else {
+    result_.records.push_back(readRecordLine(id, commentChar_));
+  }
+}
+
+// Whether the keyword is the first of the next piece. [Model Data] goes on over every keyword but
+// its own end.
+bool IBISScanner::endsPiece(std::int32_t id) {
+  if (id == keyword::modelData) inModelData_ = true;
+  if (id == keyword::endModelData) inModelData_ = false;
+  if (!endsSection(id) || inModelData_) return false;
+  const bool ends = inSections_ && result_.records.size() >= fewestRecords_;
+  inSections_ = true;
+  return ends;
+}
+
+void IBISScanner::reportUnknown(std::string_view name) {
+  std::string spaced(name);
+  std::ranges::replace(spaced, '_', ' ');
+  result_.errors.push_back(formatMessage(message::unknownKeyword, spaced.c_str(), line_));
+}
+
+// Nothing on this line is a comment, so that the argument itself is not cut off.
+void IBISScanner::readCommentChar() {
+  const IBISRecord record = readRecordLine(keyword::commentChar, noComment);
+  const IBISString argument = keywordText(record);
+  const std::string_view text = argument;
+  if (!text.empty() && allowedCommentChars.find(text[0]) == std::string_view::npos) {
+    stop(formatMessage(message::disallowedCommentChar, line_,
+                       std::string(allowedCommentChars).c_str()));
+  } else if (text.empty() || !equalIgnoringCase(text.substr(1), commentCharTail)) {
+    stop(formatMessage(message::incorrectCommentChar, line_));
+  } else {
+    commentChar_ = text[0];
+  }
+}
+
+void IBISScanner::stop(std::string reason) {
+  result_.errors.push_back(std::move(reason));
+  stopped_ = true;
+}
+
+// Takes the rest of the line; what stands behind the comment or beyond the limit is dropped.
+IBISRecord IBISScanner::readRecordLine(std::int32_t id, char commentChar) {
+  const char* const begin = cursor_;
+  skipLine();
+  const char* end = cursor_;
+  if (end != begin && end[-1] == '\n') --end;
+  std::string_view text(begin, static_cast<std::size_t>(end - begin));
+  if (commentChar != noComment) text = text.substr(0, text.find(commentChar));
+  if (hasCarriageReturns_) text = withoutCarriageReturns(text);
+  text = text.substr(0, IBISRecord::maximumLength);
+  return {text.data(), line_, static_cast<std::uint8_t>(id),
+          static_cast<std::uint8_t>(text.size())};
+}
+
+std::string_view IBISScanner::withoutCarriageReturns(std::string_view text) {
+  while (!text.empty() && text.back() == '\r') text.remove_suffix(1);
+  if (text.find('\r') == std::string_view::npos) return text;
+  std::string kept(text);
+  std::erase(kept, '\r');
+  return result_.rewritten.store(kept);
+}
+
+void IBISScanner::skipLine() {
+  const auto rest = static_cast<std::size_t>(end_ - cursor_);
+  const auto* feed = static_cast<const char*>(rest ? std::memchr(cursor_, '\n', rest) : nullptr);
+  cursor_ = feed ? feed + 1 : end_;
+}
+
+void IBISScanner::checkLineLengths() {
+  for (const IBISRecord& record : result_.records) {
+    if (record.length == IBISRecord::maximumLength) {
+      result_.errors.push_back(
+          formatMessage(message::lineTooLong, record.line, standardLineLength));
+    } else if (record.length > standardLineLength) {
+      result_.warnings.push_back(formatMessage(message::lineLong, record.line));
+    }
+  }
+}
+
+IBISScanResult scanIBISText(std::string_view text) {
+  IBISScanner scanner(text);
+  scanner.scanPiece(std::numeric_limits<std::size_t>::max());
+  return std::move(scanner.result_);
 }
 
 const IBISRecord& recordAt(IBISRecords records, std::int32_t index) {

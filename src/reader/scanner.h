@@ -38,6 +38,45 @@ struct IBISScanResult {
 /// Cuts a text into records; it ends at its first NUL and must outlive the result.
 IBISScanResult scanIBISText(std::string_view text);
 
+/// The same piece by piece, for a reader that is done with one piece when it asks for the next.
+///
+/// A piece ends ahead of a keyword that ends every section, so each section lies in one piece, as
+/// does the header with the first section.
+class IBISScanner {
+ public:
+  explicit IBISScanner(std::string_view text);
+
+  /// What the next piece yields, until the next call; no records at the end of the text.
+  const IBISScanResult& nextPiece();
+
+ private:
+  friend IBISScanResult scanIBISText(std::string_view text);
+
+  void scanPiece(std::size_t fewestRecords);
+  void scanLine();
+  void scanKeyword();
+  bool endsPiece(std::int32_t id);
+  void reportUnknown(std::string_view name);
+  void readCommentChar();
+  void stop(std::string reason);
+  IBISRecord readRecordLine(std::int32_t id, char commentChar);
+  std::string_view withoutCarriageReturns(std::string_view text);
+  void skipLine();
+  void checkLineLengths();
+
+  const char* cursor_;
+  const char* end_;
+  IBISScanResult result_;
+  std::int32_t line_ = 0;
+  char commentChar_ = '|';
+  bool hasCarriageReturns_;
+  bool stopped_ = false;
+  std::size_t fewestRecords_ = 0;  // of a piece
+  bool pieceEnded_ = false;
+  bool inSections_ = false;
+  bool inModelData_ = false;
+};
+
 /// The record at an index, or an empty record where there is none.
 const IBISRecord& recordAt(IBISRecords records, std::int32_t index);
 

@@ -26,16 +26,16 @@ struct Pins : Parsed {
 
 void expectOwnValues(const IBISPin& pin, double resistance, double inductance, double capacitance) {
   EXPECT_TRUE(pin.hasOwnRLC);
-  EXPECT_EQ(pin.R_pin, (IBISTriple{true, resistance, resistance, resistance}));
-  EXPECT_EQ(pin.L_pin, (IBISTriple{true, inductance, inductance, inductance}));
-  EXPECT_EQ(pin.C_pin, (IBISTriple{true, capacitance, capacitance, capacitance}));
+  EXPECT_EQ(pin.R_pin(), (IBISTriple{true, resistance, resistance, resistance}));
+  EXPECT_EQ(pin.L_pin(), (IBISTriple{true, inductance, inductance, inductance}));
+  EXPECT_EQ(pin.C_pin(), (IBISTriple{true, capacitance, capacitance, capacitance}));
 }
 
 void expectPackageValues(const IBISPin& pin) {
   EXPECT_FALSE(pin.hasOwnRLC);
-  EXPECT_EQ(typMinMax(pin.R_pin), (Numbers{8, 16, 32}));
-  EXPECT_EQ(typMinMax(pin.L_pin), (Numbers{64, 128, 256}));
-  EXPECT_EQ(typMinMax(pin.C_pin), (Numbers{512, 1024, 2048}));
+  EXPECT_EQ(typMinMax(pin.R_pin()), (Numbers{8, 16, 32}));
+  EXPECT_EQ(typMinMax(pin.L_pin()), (Numbers{64, 128, 256}));
+  EXPECT_EQ(typMinMax(pin.C_pin()), (Numbers{512, 1024, 2048}));
 }
 
 struct HeaderCase {
@@ -81,7 +81,7 @@ TEST(PinRecord, StartsUnreadAndWithoutValues) {
   EXPECT_EQ(pin.model_name, "");
   EXPECT_EQ(pin.spiceName, "");
   EXPECT_FALSE(pin.hasOwnRLC);
-  for (const IBISTriple& triple : {pin.R_pin, pin.L_pin, pin.C_pin}) {
+  for (const IBISTriple& triple : {pin.R_pin(), pin.L_pin(), pin.C_pin()}) {
     EXPECT_EQ(triple, (IBISTriple{.present = true}));
   }
   EXPECT_EQ(pin.model, nullptr);
@@ -265,14 +265,14 @@ TEST(Pins, UnavailableValueKeepsThePackageOfTheMoment) {
 TEST(Pins, FirstTakeThePackageOfTheMoment) {
   Parsed parsed(
       lines({"[Component] A", "[Pin]", "1 S NC", "[Package]", "R_pkg 1 2 4", "[Pin]", "2 T NC"}));
-  EXPECT_EQ(typMinMax(parsed.component().pins[0].R_pin), (Numbers{0, 0, 0}));
-  EXPECT_EQ(typMinMax(parsed.component().pins[1].R_pin), (Numbers{1, 2, 4}));
+  EXPECT_EQ(typMinMax(parsed.component().pins[0].R_pin()), (Numbers{0, 0, 0}));
+  EXPECT_EQ(typMinMax(parsed.component().pins[1].R_pin()), (Numbers{1, 2, 4}));
 }
 
 TEST(Pins, PackageBehindThemCountsInTheEnd) {
   Parsed parsed(lines({"[Component] A", "[Pin]", "1 S NC", "[Package]", "R_pkg 1 2 4"}));
   parsed.resolve();
-  EXPECT_EQ(typMinMax(parsed.component().pins[0].R_pin), (Numbers{1, 2, 4}));
+  EXPECT_EQ(typMinMax(parsed.component().pins[0].R_pin()), (Numbers{1, 2, 4}));
 }
 
 TEST(Pins, OfOneNameBothStandInTheList) {

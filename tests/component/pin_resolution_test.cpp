@@ -315,13 +315,13 @@ TEST(ApplyPackageDefaults, GivesPinsWithoutOwnValuesThePackageBehindThem) {
                            "[Package]\nR_pkg 5 4 6\nL_pkg 1n\nC_pkg 2p NA NA\n"));
   const std::vector<IBISPin>& pins = prepared.component().pins;
   for (const IBISPin* pin : {&pins[0], &pins[2]}) {
-    EXPECT_EQ(pin->R_pin, (IBISTriple{true, 5.0, 6.0, 4.0}));
-    EXPECT_EQ(pin->L_pin, (IBISTriple{true, 1 * 1e-9, 0.0, 0.0}));
-    EXPECT_EQ(pin->C_pin, (IBISTriple{true, 2 * 1e-12, 2 * 1e-12, 2 * 1e-12}));
+    EXPECT_EQ(pin->R_pin(), (IBISTriple{true, 5.0, 6.0, 4.0}));
+    EXPECT_EQ(pin->L_pin(), (IBISTriple{true, 1 * 1e-9, 0.0, 0.0}));
+    EXPECT_EQ(pin->C_pin(), (IBISTriple{true, 2 * 1e-12, 2 * 1e-12, 2 * 1e-12}));
   }
-  EXPECT_EQ(pins[1].R_pin, (IBISTriple{true, 1.0, 1.0, 1.0}));
-  EXPECT_EQ(pins[1].L_pin, (IBISTriple{true, 2.0, 2.0, 2.0}));
-  EXPECT_EQ(pins[1].C_pin, (IBISTriple{true, 3.0, 3.0, 3.0}));
+  EXPECT_EQ(pins[1].R_pin(), (IBISTriple{true, 1.0, 1.0, 1.0}));
+  EXPECT_EQ(pins[1].L_pin(), (IBISTriple{true, 2.0, 2.0, 2.0}));
+  EXPECT_EQ(pins[1].C_pin(), (IBISTriple{true, 3.0, 3.0, 3.0}));
 }
 
 TEST(ApplyPackageDefaults, ReachesPinsWithoutAnEntryAndCopiesPresence) {
@@ -330,8 +330,8 @@ TEST(ApplyPackageDefaults, ReachesPinsWithoutAnEntryAndCopiesPresence) {
   Recorder told;
   const std::vector<IBISString> wanted = {"2"};
   prepareComponent(parsed.component(), ModelFinder(parsed.data()), PinFilter(wanted), told);
-  EXPECT_EQ(parsed.component().pins[0].L_pin, (IBISTriple{false, 7.0, 0.0, 0.0}));
-  EXPECT_EQ(parsed.component().pins[1].L_pin, (IBISTriple{false, 7.0, 0.0, 0.0}));
+  EXPECT_EQ(parsed.component().pins[0].L_pin(), (IBISTriple{false, 7.0, 0.0, 0.0}));
+  EXPECT_EQ(parsed.component().pins[1].L_pin(), (IBISTriple{false, 7.0, 0.0, 0.0}));
 }
 
 }  // namespace

@@ -320,13 +320,20 @@ constexpr FactoryCase factories[] = {
     {forEachTerminator, 0},  {forEachThreeState, 0},
 };
 
+std::size_t count(LoopItems& items) {
+  if (items.empty()) return 0;
+  std::size_t passes = 1;
+  for (items.restart(); items.advance();) ++passes;
+  return passes;
+}
+
 TEST(LoopFactories, FillTheListAndGiveTrue) {
   Device device(twoComponents);
   TemplateEngine engine(device.data(), &device.component(1), "", device.sink);
   for (const FactoryCase& each : factories) {
     LoopItems items;
     EXPECT_TRUE(each.factory(engine, items));
-    EXPECT_EQ(items.size(), each.count);
+    EXPECT_EQ(count(items), each.count);
   }
 }
 
@@ -338,7 +345,7 @@ TEST(LoopFactories, LeaveTheComponentsLoopsEmptyWithoutOne) {
     EXPECT_TRUE(each.factory(engine, items));
     const bool isOfTheFile = each.factory == forAllModels || each.factory == forEachComponent ||
                              each.factory == forEachFilePin;
-    EXPECT_EQ(items.size(), isOfTheFile ? each.count : 0);
+    EXPECT_EQ(count(items), isOfTheFile ? each.count : 0);
   }
 }
 

@@ -14,9 +14,11 @@ class PinLoop {
     pin.signal_name = "D-0";
     pin.spiceName = "D_0";
     pin.model_name = "Choice";
-    pin.R_pin = {true, 0.123456789012345, 3.0, 2.0};
-    pin.L_pin = {true, 5e-9, 7.123456789012345e-9, 6e-9};
-    pin.C_pin = {false, 1e-12, -3e-12, 1234567.5};
+    pin.model = &model;
+    pin.package = &component_.package;
+    component_.package.R_pkg = {true, 0.123456789012345, 3.0, 2.0};
+    component_.package.L_pkg = {true, 5e-9, 7.123456789012345e-9, 6e-9};
+    component_.package.C_pkg = {false, 1e-12, -3e-12, 1234567.5};
     inverted.name = "A2";
     inverted.spiceName = "D_1";
     model.name = "driver.1";
@@ -81,7 +83,8 @@ TEST(PinKeywords, WriteTheirValueBehindOrWithoutTheBlanksInFront) {
 
 TEST(PinKeywords, AreToldWithoutAStream) {
   const IBISComponent component;
-  const ForEachPin loop(IBISPinEntry{}, component);
+  const IBISPinEntry entry;
+  const ForEachPin loop(entry, component);
   TextBuffer text;
   for (const ValueCase& each : values) EXPECT_TRUE(loop.value(each.keyword, nullptr, {}, text));
   for (const char* word : {"", "Name", "name,", "ifisdiff", "alttype", "packagemodel", "ccomp"}) {
@@ -169,12 +172,13 @@ constexpr TypeCase types[] = {
 
 // Type texts of those of all types for whose pins a condition holds.
 std::string typesWith(const std::string& condition) {
-  const IBISPin pin;
+  IBISPin pins[std::size(types)];
   IBISModel models[std::size(types)];
   IBISComponent component;
   for (std::size_t i = 0; i < std::size(types); ++i) {
     models[i].type = types[i].type;
-    component.pinEntries.push_back({.pin = &pin, .model = &models[i]});
+    pins[i].model = &models[i];
+    component.pinEntries.push_back({.pin = &pins[i], .model = &models[i]});
   }
   const IBISFile file;
   Recorder sink;
@@ -228,7 +232,8 @@ TEST(PinConditions, TellAPairByItsInvertedPin) {
 
 TEST(PinConditions, AreExactlyTheirWords) {
   const IBISComponent component;
-  const ForEachPin loop(IBISPinEntry{}, component);
+  const IBISPinEntry entry;
+  const ForEachPin loop(entry, component);
   for (const char* word : {"iftype", "ifhasoutput", "ifhasinput", "ifhasenable", "ifisdiff"}) {
     EXPECT_TRUE(loop.isCondition(word)) << word;
   }
