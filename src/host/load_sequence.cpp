@@ -104,6 +104,7 @@ void Load::readSource() {
   file_.setFilePath(sp_GetFullPath(request_.source.c_str()).text());
   scanner_.emplace(text_.text());
   parseFile(file_, *scanner_);
+  scanner_->dropPiece();
   if (!file_.hasErrors()) postParse(file_, component_, pinFilter_);
 }
 

@@ -15,7 +15,6 @@ constexpr std::string_view commentCharTail = "_char";
 constexpr std::int32_t standardLineLength = 120;
 constexpr std::size_t longestKeywordName = 120;
 constexpr char noComment = '\0';
-constexpr std::size_t usualPiece = 4096;  // records, which stay in a core's own cache
 
 // The keyword's id; the name may be spelled with underscores.
 std::int32_t lookUp(std::string_view name) {
@@ -27,7 +26,8 @@ std::int32_t lookUp(std::string_view name) {
 
 }  // namespace
 
-IBISScanner::IBISScanner(std::string_view text) {
+IBISScanner::IBISScanner(std::string_view text, std::size_t fewestRecords)
+    : fewestRecords_(fewestRecords) {
   text = text.substr(0, text.find('\0'));
   cursor_ = text.data();
   end_ = text.data() + text.size();
@@ -38,12 +38,11 @@ const IBISScanResult& IBISScanner::nextPiece() {
   result_.records.clear();
   result_.errors.clear();
   result_.warnings.clear();
-  scanPiece(usualPiece);
+  scanPiece();
   return result_;
 }
 
-void IBISScanner::scanPiece(std::size_t fewestRecords) {
-  fewestRecords_ = fewestRecords;
+void IBISScanner::scanPiece() {
   pieceEnded_ = false;
   while (cursor_ != end_ && !stopped_ && !pieceEnded_) scanLine();
   checkLineLengths();
@@ -161,8 +160,8 @@ void IBISScanner::checkLineLengths() {
 }
 
 IBISScanResult scanIBISText(std::string_view text) {
-  IBISScanner scanner(text);
-  scanner.scanPiece(std::numeric_limits<std::size_t>::max());
+  IBISScanner scanner(text, std::numeric_limits<std::size_t>::max());
+  scanner.scanPiece();
   return std::move(scanner.result_);
 }
 

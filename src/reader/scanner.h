@@ -44,15 +44,21 @@ IBISScanResult scanIBISText(std::string_view text);
 /// does the header with the first section.
 class IBISScanner {
  public:
-  explicit IBISScanner(std::string_view text);
+  static constexpr std::size_t usualPiece = 4096;  ///< Records stay in a core's own cache.
+
+  /// The records of a piece are no fewer than told, but for the last piece.
+  explicit IBISScanner(std::string_view text, std::size_t fewestRecords = usualPiece);
 
   /// What the next piece yields, until the next call; no records at the end of the text.
   const IBISScanResult& nextPiece();
 
+  /// Frees the records of the piece in hand.
+  void dropPiece() { result_.records = {}; }
+
  private:
   friend IBISScanResult scanIBISText(std::string_view text);
 
-  void scanPiece(std::size_t fewestRecords);
+  void scanPiece();
   void scanLine();
   void scanKeyword();
   bool endsPiece(std::int32_t id);
@@ -71,7 +77,7 @@ class IBISScanner {
   char commentChar_ = '|';
   bool hasCarriageReturns_;
   bool stopped_ = false;
-  std::size_t fewestRecords_ = 0;  // of a piece
+  std::size_t fewestRecords_;
   bool pieceEnded_ = false;
   bool inSections_ = false;
   bool inModelData_ = false;
