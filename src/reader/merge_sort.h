@@ -13,14 +13,15 @@ void mergeSort(std::span<Item> items, std::span<Item> scratch, Less less) {
   if (items.size() < 2) return;
   const std::size_t half = items.size() / 2;
   mergeSort(items.first(half), scratch.first(half), less);
-  mergeSort(items.subspan(half), scratch.subspan(half), less);
-  std::ranges::copy(items, scratch.begin());
+  mergeSort(items.subspan(half), scratch, less);
+  // Only the left half makes room: what is written never overtakes what is read of the right one.
+  std::ranges::copy(items.first(half), scratch.begin());
   auto left = scratch.begin();
-  auto right = scratch.begin() + static_cast<std::ptrdiff_t>(half);
-  const auto leftEnd = right;
-  for (Item& item : items) {
-    const bool takeRight = left == leftEnd || (right != scratch.end() && less(*right, *left));
-    item = takeRight ? *right++ : *left++;
+  const auto leftEnd = left + static_cast<std::ptrdiff_t>(half);
+  auto right = items.begin() + static_cast<std::ptrdiff_t>(half);
+  for (auto item = items.begin(); left != leftEnd; ++item) {
+    const bool takeRight = right != items.end() && less(*right, *left);
+    *item = takeRight ? *right++ : *left++;
   }
 }
 
@@ -32,7 +33,7 @@ void mergeSort(std::span<Item> items, std::span<Item> scratch, Less less) {
 /// here, so that the result is the same wherever the library runs. Equal items keep their order.
 template <class Item, class Less>
 void mergeSort(std::span<Item> items, Less less) {
-  std::vector<Item> scratch(items.size());
+  std::vector<Item> scratch(items.size() / 2 + 1);
   detail::mergeSort(items, std::span<Item>(scratch), less);
 }
 

@@ -80,6 +80,7 @@ bool parseHeader(IBISFile& file, IBISRecords records, std::int32_t& index) {
 void readComponentSection(IBISFile& file, IBISRecords records, std::int32_t& index) {
   auto component = std::make_unique<IBISComponent>();
   readComponent(*component, records, index, file.data().nameTable, file);
+  component->nameTable.forgetNames();
   file.data().components.push_back(std::move(component));
 }
 
