@@ -3,7 +3,6 @@
 #include <locale.h>
 #include <stdlib.h>
 
-#include <algorithm>
 #include <charconv>
 #include <cstring>
 #include <limits>
@@ -22,6 +21,7 @@ constexpr double exactPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                   1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isBlank(char c) { return c == ' ' || c == '\t'; }
 bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 std::size_t countSpaces(std::string_view text) {
@@ -128,7 +128,7 @@ double unitFactor(char c) {
 //
 // Nearly all are read in one pass, which the end of the number ends and not that of its field.
 double takeNumber(std::string_view& text, std::string_view filler, double fallback) {
-  text.remove_prefix(std::min(text.find_first_not_of(delimiters::blanks), text.size()));
+  while (!text.empty() && isBlank(text[0])) text.remove_prefix(1);
   const std::size_t sign = !text.empty() && (text[0] == '-' || text[0] == '+') ? 1 : 0;
   const std::string_view digits = text.substr(sign);
   const NumberPrefix number = looksDecimal(digits) ? readShortNumber(digits) : NumberPrefix();
@@ -140,7 +140,7 @@ double takeNumber(std::string_view& text, std::string_view filler, double fallba
   text.remove_prefix(sign + number.length);
   if (text.empty()) return value;
   const double factor = unitFactor(text[0]);
-  while (!text.empty() && text[0] != ' ' && text[0] != '\t') text.remove_prefix(1);
+  while (!text.empty() && !isBlank(text[0])) text.remove_prefix(1);
   return value * factor;
 }
 
