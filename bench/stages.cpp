@@ -173,6 +173,20 @@ void parse(benchmark::State& state, const Kind& kind, Amount amount) {
       [&] { return checkParsed(file.counts, parsed.file->data()); });
 }
 
+// Both as a load does them, piece by piece.
+void scanAndParse(benchmark::State& state, const Kind& kind, Amount amount) {
+  const GeneratedFile& file = generated(kind, amount);
+  std::unique_ptr<IBISScanner> scanner;
+  std::unique_ptr<IBISFile> parsed;
+  const auto prepare = [&] {
+    scanner = std::make_unique<IBISScanner>(file.text);
+    parsed = std::make_unique<IBISFile>();
+  };
+  measure(
+      state, file.text.size(), prepare, [&] { parseFile(*parsed, *scanner); },
+      [&] { return checkParsed(file.counts, parsed->data()); });
+}
+
 void resolve(benchmark::State& state, const Kind& kind, Amount amount) {
   const GeneratedFile& file = generated(kind, amount);
   Parsed parsed(file);
@@ -262,6 +276,7 @@ void addStages(const Kind& kind, std::size_t bytes, const std::string& size) {
   const std::string place = '/' + std::string(kind.name) + '/' + size;
   add("scan" + place, scan, kind, amount);
   add("parse" + place, parse, kind, amount);
+  add("scan+parse" + place, scanAndParse, kind, amount);
   add("resolve" + place, resolve, kind, amount);
   if (kind.name == "ramps") add("estimate" + place, estimate, kind, amount);
   for (const EmbeddedTemplate& each : embeddedTemplates()) {

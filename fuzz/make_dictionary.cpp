@@ -18,7 +18,7 @@ using Words = std::set<std::string>;
 Words ibisWords() {
   Words words;
   for (const KeywordRow& row : keywordTable()) words.insert('[' + std::string(row.name) + ']');
-  for (const SubParameterRow& row : subParameterTable()) words.insert(row.name);
+  for (const SubParameterRow& row : subParameterTable()) words.emplace(row.name);
   for (const ModelTypeRow& row : modelTypeTable()) words.insert(row.name);
   for (const VersionRow& row : versionTable()) words.insert(row.text);
   return words;

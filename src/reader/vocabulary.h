@@ -64,14 +64,14 @@ struct VersionRow {
 /// A bracketed keyword without its brackets.
 struct KeywordRow {
   std::int32_t id;
-  const char* name;
+  std::string_view name;
   std::int32_t flags;
 };
 
 /// A word that may begin a line of a model or a waveform.
 struct SubParameterRow {
   std::int32_t id;
-  const char* name;
+  std::string_view name;
 };
 
 /// A model type by the word of the standard.

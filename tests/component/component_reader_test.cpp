@@ -160,7 +160,7 @@ TEST(ComponentKeywords, TablesOfTheTestsHoldEachKeywordOnce) {
   named.insert(std::begin(silentKeywords), std::end(silentKeywords));
   for (const KeywordMessage& row : reportedKeywords) named.insert(row.name);
   std::multiset<std::string> known;
-  for (const KeywordRow& row : keywordTable()) known.insert(row.name);
+  for (const KeywordRow& row : keywordTable()) known.emplace(row.name);
   EXPECT_EQ(named, known);
 }
 

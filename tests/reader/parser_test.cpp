@@ -238,7 +238,7 @@ TEST(Driver, RefusesAnExternalModelAndDropsTheRest) {
 TEST(Driver, RefusesEveryKeywordThatBeginsNoSection) {
   std::int32_t refused = 0;
   for (const KeywordRow& row : keywordTable()) {
-    const std::string name = row.name;
+    const std::string name(row.name);
     if (name == "Comment Char" || name.find('_') != std::string::npos) continue;
     Parsed parsed(goodHead + "[Model Selector] s\n| gap\n[" + name + "] x\n[End]\n");
     if (parsed.errors().empty()) continue;
