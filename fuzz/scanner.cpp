@@ -28,8 +28,7 @@ bool sameRecord(const IBISRecord& a, const IBISRecord& b) {
 void checkPieces(std::string_view text, const IBISScanResult& whole) {
   IBISScanner scanner(text, 1);
   std::size_t count = 0;
-  for (IBISRecords piece = scanner.nextPiece().records; !piece.empty();
-       piece = scanner.nextPiece().records) {
+  for (IBISRecords piece = scanner.nextPiece(); !piece.empty(); piece = scanner.nextPiece()) {
     for (const IBISRecord& record : piece) {
       REQUIRE(count < whole.records.size() && sameRecord(record, whole.records[count]));
       ++count;

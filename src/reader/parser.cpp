@@ -157,10 +157,10 @@ void parseFile(IBISFile& file, IBISRecords records, std::int32_t& index) {
 
 void parseFile(IBISFile& file, IBISScanner& scanner) {
   std::int32_t index = 0;
-  IBISRecords records = scanner.nextPiece().records;
+  IBISRecords records = scanner.nextPiece();
   if (!parseHeader(file, records, index)) return;
   while (!records.empty() && parseSections(file, records, index)) {
-    records = scanner.nextPiece().records;
+    records = scanner.nextPiece();
     index = 0;
   }
 }

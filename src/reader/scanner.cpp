@@ -34,18 +34,15 @@ IBISScanner::IBISScanner(std::string_view text, std::size_t fewestRecords)
   hasCarriageReturns_ = text.find('\r') != text.npos;
 }
 
-const IBISScanResult& IBISScanner::nextPiece() {
+IBISRecords IBISScanner::nextPiece() {
   result_.records.clear();
-  result_.errors.clear();
-  result_.warnings.clear();
   scanPiece();
-  return result_;
+  return result_.records;
 }
 
 void IBISScanner::scanPiece() {
   pieceEnded_ = false;
   while (cursor_ != end_ && !stopped_ && !pieceEnded_) scanLine();
-  checkLineLengths();
 }
 
 void IBISScanner::scanLine() {
@@ -95,6 +92,7 @@ bool IBISScanner::endsPiece(std::int32_t id) {
 }
 
 void IBISScanner::reportUnknown(std::string_view name) {
+  if (!keepsMessages_) return;
   std::string spaced(name);
   std::ranges::replace(spaced, '_', ' ');
   result_.errors.push_back(formatMessage(message::unknownKeyword, spaced.c_str(), line_));
@@ -161,7 +159,9 @@ void IBISScanner::checkLineLengths() {
 
 IBISScanResult scanIBISText(std::string_view text) {
   IBISScanner scanner(text, std::numeric_limits<std::size_t>::max());
+  scanner.keepsMessages_ = true;
   scanner.scanPiece();
+  scanner.checkLineLengths();
   return std::move(scanner.result_);
 }
 

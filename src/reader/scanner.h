@@ -38,7 +38,8 @@ struct IBISScanResult {
 /// Cuts a text into records; it ends at its first NUL and must outlive the result.
 IBISScanResult scanIBISText(std::string_view text);
 
-/// The same piece by piece, for a reader that is done with one piece when it asks for the next.
+/// The same piece by piece and without the scanner's messages, for a reader that is done with one
+/// piece when it asks for the next.
 ///
 /// A piece ends ahead of a keyword that ends every section, so each section lies in one piece, as
 /// does the header with the first section.
@@ -49,8 +50,8 @@ class IBISScanner {
   /// The records of a piece are no fewer than told, but for the last piece.
   explicit IBISScanner(std::string_view text, std::size_t fewestRecords = usualPiece);
 
-  /// What the next piece yields, until the next call; no records at the end of the text.
-  const IBISScanResult& nextPiece();
+  /// The records of the next piece, valid until the next call; none at the end of the text.
+  IBISRecords nextPiece();
 
   /// Frees the records of the piece in hand.
   void dropPiece() { result_.records = {}; }
@@ -77,6 +78,7 @@ class IBISScanner {
   char commentChar_ = '|';
   bool hasCarriageReturns_;
   bool stopped_ = false;
+  bool keepsMessages_ = false;
   std::size_t fewestRecords_;
   bool pieceEnded_ = false;
   bool inSections_ = false;

@@ -7,8 +7,7 @@ namespace {
 Texts piecesOf(std::string_view text, std::size_t fewestRecords = 1) {
   IBISScanner scanner(text, fewestRecords);
   Texts pieces;
-  for (IBISRecords records = scanner.nextPiece().records; !records.empty();
-       records = scanner.nextPiece().records) {
+  for (IBISRecords records = scanner.nextPiece(); !records.empty(); records = scanner.nextPiece()) {
     pieces.push_back(keywordName(records.front().keyword).str() + ' ' +
                      std::to_string(records.size()));
   }
@@ -46,14 +45,14 @@ TEST(Pieces, KeepLinesAndCommentCharacterOfTheWholeText) {
   const std::string text =
       "[Component] C | x\n[Comment Char] !_char\n[Model] M ! y\n\n[Model] N | z\n";
   IBISScanner scanner(text, 1);
-  EXPECT_EQ(scanner.nextPiece().records.front().text(), " C ");
-  const IBISRecord second = scanner.nextPiece().records.front();
+  EXPECT_EQ(scanner.nextPiece().front().text(), " C ");
+  const IBISRecord second = scanner.nextPiece().front();
   EXPECT_EQ(second.text(), " M ");
   EXPECT_EQ(second.line, 3);
-  const IBISRecord third = scanner.nextPiece().records.front();
+  const IBISRecord third = scanner.nextPiece().front();
   EXPECT_EQ(third.text(), " N | z");
   EXPECT_EQ(third.line, 5);
-  EXPECT_TRUE(scanner.nextPiece().records.empty());
+  EXPECT_TRUE(scanner.nextPiece().empty());
 }
 
 // Sections, and what stands between them, that a reader of pieces could lose.
