@@ -29,8 +29,8 @@ class EntryBuilder {
     indexPins();
     addPairs();
     const std::size_t pairs = component_.pinEntries.size();
-    pinsByName_ = {};  // as large as the entries that follow
-    firstPins_ = {};
+    pinsByName_ = NameIndex<ExactCase>();  // as large as the entries that follow
+    firstPins_ = std::vector<const IBISPin*>();
     addSingles();
     return pairs;
   }

@@ -8,26 +8,18 @@
 namespace ibis {
 namespace {
 
-// A half pair counts as single, whatever else the entry says.
-void addPairOrSingle(LoopItems& items, const IBISPinEntry& entry, const IBISComponent& component) {
-  if (entry.isPair()) {
-    items.append<ForEachPin>(entry, component);
-  } else {
-    items.append<ForEachPin>(*entry.pin, component);
-  }
-}
+using Halves = ForEachOfEntries::Halves;
 
-void addPinsOfType(LoopItems& items, const OutputRun& run, ModelType type) {
-  if (run.component() == nullptr) return;
-  for (const IBISPinEntry& entry : run.component()->pinEntries) {
-    if (entry.model->type != type) continue;
-    addPairOrSingle(items, entry, *run.component());
-  }
+void addEntries(LoopItems& items, const IBISComponent& component, std::optional<ModelType> type,
+                Halves halves) {
+  if (!ForEachOfEntries::exist(component, type)) return;
+  items.append<ForEachOfEntries>(component, type, halves);
 }
 
 bool addPinsOfTypes(LoopItems& items, const OutputRun& run,
                     std::initializer_list<ModelType> types) {
-  for (const ModelType type : types) addPinsOfType(items, run, type);
+  if (run.component() == nullptr) return true;
+  for (const ModelType type : types) addEntries(items, *run.component(), type, Halves::asSingles);
   return true;
 }
 
@@ -79,26 +71,20 @@ bool forEachComponent(OutputRun& run, LoopItems& items) {
 }
 
 bool forEachPin(OutputRun& run, LoopItems& items) {
-  if (run.component() == nullptr) return true;
-  for (const IBISPin& pin : run.component()->pins) {
-    items.append<ForEachPin>(pin, *run.component());
-  }
+  if (run.component() == nullptr || run.component()->pins.empty()) return true;
+  items.append<ForEachOfPins>(*run.component());
   return true;
 }
 
 bool forEachSpicePin(OutputRun& run, LoopItems& items) {
   if (run.component() == nullptr) return true;
-  for (const IBISPinEntry& entry : run.component()->pinEntries) {
-    addPairOrSingle(items, entry, *run.component());
-  }
+  addEntries(items, *run.component(), {}, Halves::asSingles);
   return true;
 }
 
 bool forEachFilePin(OutputRun& run, LoopItems& items) {
   for (const auto& component : run.file().components) {
-    for (const IBISPinEntry& entry : component->pinEntries) {
-      items.append<ForEachPin>(entry, *component);
-    }
+    addEntries(items, *component, {}, Halves::asTheyStand);
   }
   return true;
 }

@@ -37,6 +37,12 @@ class ForEachObject {
   /// What the condition says of the object.
   virtual bool evaluate(std::string_view, const KeywordArguments&) const { return false; }
 
+  /// Goes on to the next pass of an object that stands for several; false at its last.
+  virtual bool next() { return false; }
+
+  /// Goes back to the object's first pass.
+  virtual void rewind() {}
+
  private:
   friend class LoopItems;
   ForEachObject* next_ = nullptr;
@@ -60,19 +66,27 @@ class LoopItems {
 
   bool empty() const { return first_ == nullptr; }
 
-  /// Goes to the first object.
-  void restart() { current_ = first_; }
+  /// Goes to the first pass.
+  void restart() {
+    for (ForEachObject* item = first_; item != nullptr; item = item->next_) item->rewind();
+    current_ = first_;
+    isAtFirst_ = true;
+  }
 
-  /// Goes on to the next object; false at the last.
+  /// Goes on to the next pass; false at the last, and in an empty list.
   bool advance() {
-    if (current_ == last_) return false;
-    current_ = current_->next_;
+    if (empty()) return false;
+    if (!current_->next()) {
+      if (current_ == last_) return false;
+      current_ = current_->next_;
+    }
+    isAtFirst_ = false;
     return true;
   }
 
   /// The object of the pass that runs; there is none in an empty list.
   const ForEachObject& current() const { return *current_; }
-  bool isAtFirst() const { return current_ == first_; }
+  bool isAtFirst() const { return isAtFirst_; }
 
   void clear() {
     while (first_ != nullptr) std::exchange(first_, first_->next_)->~ForEachObject();
@@ -85,6 +99,7 @@ class LoopItems {
   ForEachObject* first_ = nullptr;
   ForEachObject* current_ = nullptr;
   ForEachObject* last_ = nullptr;
+  bool isAtFirst_ = true;
 };
 
 }  // namespace ibis

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "component/component.h"
 #include "output/loop_object.h"
 #include "reader/file.h"
@@ -19,7 +21,7 @@ class ForEachModel final : public ForEachObject {
   const IBISModel& model;
 };
 
-class ForEachPin final : public ForEachObject {
+class ForEachPin : public ForEachObject {
  public:
   /// A pin by itself.
   ForEachPin(const IBISPin& each, const IBISComponent& owner) : pin(&each), component(owner) {}
@@ -35,6 +37,37 @@ class ForEachPin final : public ForEachObject {
   const IBISPin* pin;
   const IBISPinEntry* entry = nullptr;
   const IBISComponent& component;
+};
+
+/// The pins of a component, a pass each.
+class ForEachOfPins final : public ForEachPin {
+ public:
+  /// The component has pins.
+  explicit ForEachOfPins(const IBISComponent& owner) : ForEachPin(owner.pins.front(), owner) {}
+  bool next() override;
+  void rewind() override { pin = &component.pins.front(); }
+};
+
+/// The entries of a component, or those of one type, a pass each.
+class ForEachOfEntries final : public ForEachPin {
+ public:
+  /// What a pass shows of an entry that is half a pair.
+  enum class Halves { asTheyStand, asSingles };
+
+  /// Begins at the first entry of the type, which the component has; without a type at the first.
+  ForEachOfEntries(const IBISComponent& owner, std::optional<ModelType> type, Halves halves);
+  bool next() override;
+  void rewind() override;
+
+  /// Whether the component has an entry of the type, or any.
+  static bool exist(const IBISComponent& owner, std::optional<ModelType> type);
+
+ private:
+  bool showFrom(std::size_t place);
+
+  std::optional<ModelType> type_;
+  Halves halves_;
+  std::size_t place_ = 0;
 };
 
 class ForEachComponent final : public ForEachObject {

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "model/model_types.h"
 #include "output/loop_keywords.h"
 #include "output/loop_objects.h"
@@ -120,6 +122,41 @@ bool ForEachPin::isCondition(std::string_view name) const {
 bool ForEachPin::evaluate(std::string_view name, const KeywordArguments& arguments) const {
   const PinCondition* row = findRow(std::span<const PinCondition>(conditions), name);
   return row != nullptr && row->holds(*this, arguments);
+}
+
+bool ForEachOfPins::next() {
+  if (pin == &component.pins.back()) return false;
+  ++pin;
+  return true;
+}
+
+ForEachOfEntries::ForEachOfEntries(const IBISComponent& owner, std::optional<ModelType> type,
+                                   Halves halves)
+    : ForEachPin(owner.pinEntries.front(), owner), type_(type), halves_(halves) {
+  showFrom(0);
+}
+
+bool ForEachOfEntries::next() { return showFrom(place_ + 1); }
+
+void ForEachOfEntries::rewind() { showFrom(0); }
+
+bool ForEachOfEntries::exist(const IBISComponent& owner, std::optional<ModelType> type) {
+  return std::ranges::any_of(owner.pinEntries, [&](const IBISPinEntry& each) {
+    return !type || each.model->type == *type;
+  });
+}
+
+// Shows the first entry of the type from a place on. A half pair may count as single, whatever else
+// the entry says.
+bool ForEachOfEntries::showFrom(std::size_t place) {
+  const std::vector<IBISPinEntry>& entries = component.pinEntries;
+  while (place < entries.size() && type_ && entries[place].model->type != *type_) ++place;
+  if (place == entries.size()) return false;
+  place_ = place;
+  entry = &entries[place];
+  pin = entry->pin;
+  if (halves_ == Halves::asSingles && !entry->isPair()) entry = nullptr;
+  return true;
 }
 
 }  // namespace ibis

@@ -1,7 +1,10 @@
 #pragma once
 
 #include <algorithm>
+#include <cstdint>
+#include <numeric>
 #include <span>
+#include <utility>
 #include <vector>
 
 namespace ibis {
@@ -25,6 +28,22 @@ void mergeSort(std::span<Item> items, std::span<Item> scratch, Less less) {
   }
 }
 
+// Brings the item of the number order[i] to place i, cycle by cycle.
+template <class Item>
+void reorder(std::span<Item> items, std::span<std::uint32_t> order) {
+  for (std::uint32_t start = 0; start < order.size(); ++start) {
+    const Item first = items[start];
+    std::uint32_t place = start;
+    while (order[place] != start) {
+      const std::uint32_t next = std::exchange(order[place], place);
+      items[place] = items[next];
+      place = next;
+    }
+    items[place] = first;
+    order[place] = place;
+  }
+}
+
 }  // namespace detail
 
 /// Sorts from the top down: the first half holds n / 2 items, a right item goes ahead only if less.
@@ -33,8 +52,13 @@ void mergeSort(std::span<Item> items, std::span<Item> scratch, Less less) {
 /// here, so that the result is the same wherever the library runs. Equal items keep their order.
 template <class Item, class Less>
 void mergeSort(std::span<Item> items, Less less) {
-  std::vector<Item> scratch(items.size() / 2 + 1);
-  detail::mergeSort(items, std::span<Item>(scratch), less);
+  // Numbers take less room than items.
+  std::vector<std::uint32_t> order(items.size());
+  std::iota(order.begin(), order.end(), 0U);
+  std::vector<std::uint32_t> scratch(items.size() / 2);
+  detail::mergeSort(std::span(order), std::span(scratch),
+                    [&](std::uint32_t a, std::uint32_t b) { return less(items[a], items[b]); });
+  detail::reorder(items, std::span(order));
 }
 
 }  // namespace ibis

@@ -54,7 +54,7 @@ class IBISScanner {
   IBISRecords nextPiece();
 
   /// Frees the records of the piece in hand.
-  void dropPiece() { result_.records = {}; }
+  void dropPiece() { result_.records = std::vector<IBISRecord>(); }
 
  private:
   friend IBISScanResult scanIBISText(std::string_view text);
