@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory_resource>
+#include <span>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -20,7 +21,7 @@ struct KeywordPosition {
 };
 
 /// A keyword's text cut at commas; item 0 is the keyword's name.
-using KeywordArguments = std::vector<IBISString>;
+using KeywordArguments = std::span<const IBISString>;
 
 /// One pass of a template loop: answers the keywords that mean something inside it.
 class ForEachObject {

@@ -1,7 +1,8 @@
 #include "output/template_engine.h"
 
 #include <algorithm>
-#include <deque>
+#include <memory_resource>
+#include <type_traits>
 
 #include "host/messages.h"
 #include "output/keyword_registry.h"
@@ -12,38 +13,53 @@ namespace {
 constexpr std::size_t longestKeyword = 127;
 constexpr std::int32_t tabWidth = 4;
 
+// Room for all that is known of a text's keywords; it goes as a whole.
+using Arena = std::pmr::monotonic_buffer_resource;
+
+template <class Item>
+Item* makeRoom(Arena& arena, std::size_t count) {
+  static_assert(std::is_trivially_destructible_v<Item>);
+  return static_cast<Item*>(arena.allocate(count * sizeof(Item), alignof(Item)));
+}
+
 // A comma at the very end adds no empty item.
-void splitAtCommas(std::string_view text, KeywordArguments& items) {
-  items.clear();
+KeywordArguments splitAtCommas(std::string_view text, Arena& arena) {
+  auto* const items =
+      makeRoom<IBISString>(arena, static_cast<std::size_t>(std::ranges::count(text, ',')) + 1);
+  std::size_t count = 0;
   do {
     const std::size_t end = std::min(text.find(','), text.size());
-    items.emplace_back(text.substr(0, end));
+    new (items + count++) IBISString(text.substr(0, end));
     text.remove_prefix(std::min(end + 1, text.size()));
   } while (!text.empty());
+  return {items, count};
 }
 
 // A keyword of the text with all that can be known of it before it is met.
 struct Keyword {
-  explicit Keyword(std::string keywordText) : text(std::move(keywordText)) {
-    splitAtCommas(text, arguments);
+  // The text lives as long as the arena.
+  Keyword(std::string_view text, Arena& arena) : arguments(splitAtCommas(text, arena)) {
     value = valueKeyword(name());
     condition = conditionKeyword(name());
     loop = loopKeyword(text);
     worksUnopened = equalIgnoringCase(text, "file") || equalIgnoringCase(text, "append") ||
                     equalIgnoringCase(text, "include");
   }
-  Keyword(const Keyword&) = delete;
-  Keyword& operator=(const Keyword&) = delete;
 
   std::string_view name() const { return arguments.front(); }
 
-  std::string text;
-  KeywordArguments arguments;  // views into the text
+  KeywordArguments arguments;
   ValueHandler value = nullptr;
   ConditionHandler condition = nullptr;
   LoopFactory loop = nullptr;
   bool worksUnopened = false;  // is called without an open file, too
 };
+
+const Keyword* makeKeyword(std::string_view text, Arena& arena) {
+  char* const copy = makeRoom<char>(arena, text.size());
+  std::ranges::copy(text, copy);
+  return new (makeRoom<Keyword>(arena, 1)) Keyword({copy, text.size()}, arena);
+}
 
 // What lasts for the expansion of one text.
 class Expansion {
@@ -146,7 +162,7 @@ class Expansion {
   // A loop meets its keywords again on every pass.
   const Keyword& currentKeyword() {
     const Keyword*& known = keywordAt_[keywordStart_];
-    if (known == nullptr) known = &keywords_.emplace_back(keyword_);
+    if (known == nullptr) known = makeKeyword(keyword_, keywords_);
     return *known;
   }
 
@@ -276,7 +292,7 @@ class Expansion {
   std::string keyword_;
   std::size_t keywordStart_ = 0;           // behind its opening percent sign
   std::vector<const Keyword*> keywordAt_;  // by start; null for one that was not met yet
-  std::deque<Keyword> keywords_;
+  Arena keywords_;
   bool inKeyword_ = false;
   bool abandoned_ = false;
   std::int32_t pendingSpaces_ = 0;
