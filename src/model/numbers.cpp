@@ -53,15 +53,23 @@ NumberPrefix readUnusualNumber(std::string_view text) {
   return {value, static_cast<std::size_t>(end - copy.c_str())};
 }
 
-// Digits, point and exponent, when a double holds the digits and the power of ten exactly: then
-// one correctly rounded operation gives what strtod does.
+bool looksDecimal(std::string_view digits) {
+  if (digits.empty() || !(isDigit(digits[0]) || digits[0] == '.')) return false;
+  return digits.size() < 2 || digits[0] != '0' || (digits[1] != 'x' && digits[1] != 'X');
+}
+
+// Sign, digits, point and exponent, when a double holds the digits and the power of ten exactly:
+// then one correctly rounded operation gives what strtod does.
 //
 // A length of 0 stands for a text that is longer, larger or no decimal number at all.
 NumberPrefix readShortNumber(std::string_view text) {
   constexpr int mostDigits = 19;  // as many as 64 bits hold
   constexpr std::uint64_t largestExact = std::uint64_t{1} << 53;
-  const char* c = text.data();
-  const char* const end = c + text.size();
+  const bool isNegative = text.starts_with('-');
+  const std::size_t sign = isNegative || text.starts_with('+') ? 1 : 0;
+  if (!looksDecimal(text.substr(sign))) return {};
+  const char* c = text.data() + sign;
+  const char* const end = text.data() + text.size();
   std::uint64_t digits = 0;
   const char* const first = c;
   for (; c != end && isDigit(*c); ++c) digits = digits * 10 + static_cast<std::uint64_t>(*c - '0');
@@ -88,15 +96,10 @@ NumberPrefix readShortNumber(std::string_view text) {
     exponent += negative ? -power : power;
   }
   if (digits > largestExact || exponent < -mostExactPower || exponent > mostExactPower) return {};
-  const double value = static_cast<double>(digits);
+  const double value = isNegative ? -static_cast<double>(digits) : static_cast<double>(digits);
   const auto power = static_cast<std::size_t>(exponent < 0 ? -exponent : exponent);
   return {exponent < 0 ? value / exactPowers[power] : value * exactPowers[power],
           static_cast<std::size_t>(c - text.data())};
-}
-
-bool looksDecimal(std::string_view digits) {
-  if (digits.empty() || !(isDigit(digits[0]) || digits[0] == '.')) return false;
-  return digits.size() < 2 || digits[0] != '0' || (digits[1] != 'x' && digits[1] != 'X');
 }
 
 double unitFactor(char c) {
@@ -129,19 +132,16 @@ double unitFactor(char c) {
 // Nearly all are read in one pass, which the end of the number ends and not that of its field.
 double takeNumber(std::string_view& text, std::string_view filler, double fallback) {
   while (!text.empty() && isBlank(text[0])) text.remove_prefix(1);
-  const std::size_t sign = !text.empty() && (text[0] == '-' || text[0] == '+') ? 1 : 0;
-  const std::string_view digits = text.substr(sign);
-  const NumberPrefix number = looksDecimal(digits) ? readShortNumber(digits) : NumberPrefix();
+  const NumberPrefix number = readShortNumber(text);
   if (number.length == 0) {
     const std::string_view field = takeField(text);
     return parseNumber(field.empty() ? filler : field, fallback);
   }
-  const double value = sign != 0 && text[0] == '-' ? -number.value : number.value;
-  text.remove_prefix(sign + number.length);
-  if (text.empty()) return value;
+  text.remove_prefix(number.length);
+  if (text.empty()) return number.value;
   const double factor = unitFactor(text[0]);
   while (!text.empty() && !isBlank(text[0])) text.remove_prefix(1);
-  return value * factor;
+  return number.value * factor;
 }
 
 }  // namespace
@@ -149,11 +149,11 @@ double takeNumber(std::string_view& text, std::string_view filler, double fallba
 NumberPrefix readNumber(std::string_view text) {
   std::size_t begin = countSpaces(text);
   if (begin == text.size()) return {};
+  const NumberPrefix quick = readShortNumber(text.substr(begin));
+  if (quick.length > 0) return {quick.value, begin + quick.length};
   const bool negative = text[begin] == '-';
   if (negative || text[begin] == '+') ++begin;
   if (!looksDecimal(text.substr(begin))) return readUnusualNumber(text);
-  const NumberPrefix quick = readShortNumber(text.substr(begin));
-  if (quick.length > 0) return {negative ? -quick.value : quick.value, begin + quick.length};
   double value = 0.0;
   const char* const first = text.data() + begin;
   const auto [end, fault] = std::from_chars(first, text.data() + text.size(), value);
