@@ -63,6 +63,8 @@ class ForEachOfEntries final : public ForEachPin {
   static bool exist(const IBISComponent& owner, std::optional<ModelType> type);
 
  private:
+  static std::size_t find(const IBISComponent& owner, std::optional<ModelType> type,
+                          std::size_t place);
   bool showFrom(std::size_t place);
 
   std::optional<ModelType> type_;

@@ -1,5 +1,3 @@
-#include <algorithm>
-
 #include "model/model_types.h"
 #include "output/loop_keywords.h"
 #include "output/loop_objects.h"
@@ -141,19 +139,23 @@ bool ForEachOfEntries::next() { return showFrom(place_ + 1); }
 void ForEachOfEntries::rewind() { showFrom(0); }
 
 bool ForEachOfEntries::exist(const IBISComponent& owner, std::optional<ModelType> type) {
-  return std::ranges::any_of(owner.pinEntries, [&](const IBISPinEntry& each) {
-    return !type || each.model->type == *type;
-  });
+  return find(owner, type, 0) < owner.pinEntries.size();
 }
 
-// Shows the first entry of the type from a place on. A half pair may count as single, whatever else
-// the entry says.
+// The first entry of the type from a place on, or behind the last.
+std::size_t ForEachOfEntries::find(const IBISComponent& owner, std::optional<ModelType> type,
+                                   std::size_t place) {
+  const std::vector<IBISPinEntry>& entries = owner.pinEntries;
+  while (place < entries.size() && type && entries[place].model->type != *type) ++place;
+  return place;
+}
+
+// A half pair may count as single, whatever else the entry says.
 bool ForEachOfEntries::showFrom(std::size_t place) {
-  const std::vector<IBISPinEntry>& entries = component.pinEntries;
-  while (place < entries.size() && type_ && entries[place].model->type != *type_) ++place;
-  if (place == entries.size()) return false;
+  place = find(component, type_, place);
+  if (place >= component.pinEntries.size()) return false;
   place_ = place;
-  entry = &entries[place];
+  entry = &component.pinEntries[place];
   pin = entry->pin;
   if (halves_ == Halves::asSingles && !entry->isPair()) entry = nullptr;
   return true;
