@@ -6,6 +6,7 @@
 #include "host/diagnostics.h"
 
 namespace ibis::cli {
+
 ConversionQueue::ConversionQueue(const std::vector<Source>& sources,
                                  const ConversionRequest& pattern, std::size_t threads)
     : sources_(sources), pattern_(pattern) {

@@ -8,6 +8,8 @@
 #include <unordered_map>
 #include <utility>
 
+#include "reader/ibis_string.h"
+
 namespace ibis::cli {
 namespace {
 
@@ -21,9 +23,8 @@ bool isFolder(const std::string& name) {
 }
 
 bool isIbisName(std::string_view name) {
-  const auto isSame = [](char a, char b) { return (a >= 'A' && a <= 'Z' ? a + 32 : a) == b; };
   return name.size() >= ibisEnding.size() &&
-         std::ranges::equal(name.substr(name.size() - ibisEnding.size()), ibisEnding, isSame);
+         equalIgnoringCase(name.substr(name.size() - ibisEnding.size()), ibisEnding);
 }
 
 // What is left of "..ibs" and "...ibs" would lead out of the output folder.
