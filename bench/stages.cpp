@@ -16,7 +16,7 @@
 #include "model/estimate_waveforms.h"
 #include "output/embedded_templates.h"
 #include "output/template_engine.h"
-#include "reader/parser.h"
+#include "reader/file/parser.h"
 
 namespace ibis::bench {
 namespace {

@@ -5,7 +5,7 @@
 #include <iterator>
 
 #include "exit_status.h"
-#include "host/diagnostics.h"
+#include "host/diagnostics/error_handler.h"
 #include "host_call.h"
 #include "json_line.h"
 #include "plugin.h"

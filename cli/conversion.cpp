@@ -7,8 +7,8 @@
 #include <limits>
 
 #include "finite_check.h"
+#include "host/diagnostics/messages.h"
 #include "host/load_sequence.h"
-#include "host/messages.h"
 #include "interruption.h"
 #include "output_names.h"
 

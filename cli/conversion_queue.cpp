@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <system_error>
 
-#include "host/diagnostics.h"
+#include "host/diagnostics/error_handler.h"
 
 namespace ibis::cli {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/model.h"
+#include "ibis/model.h"
 
 namespace ibis::cli {
 

@@ -5,7 +5,7 @@
 #include "call_command.h"
 #include "convert_command.h"
 #include "exit_status.h"
-#include "host/diagnostics.h"
+#include "host/diagnostics/error_handler.h"
 
 namespace ibis::cli {
 namespace {

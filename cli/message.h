@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include "reader/file.h"
-#include "reader/name_index.h"
+#include "reader/file/file.h"
+#include "reader/text/name_index.h"
 
 namespace ibis::cli {
 

@@ -8,7 +8,7 @@
 #include <unordered_map>
 #include <utility>
 
-#include "reader/ibis_string.h"
+#include "ibis/ibis_string.h"
 
 namespace ibis::cli {
 namespace {

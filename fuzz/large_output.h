@@ -4,8 +4,8 @@
 #include <cmath>
 #include <string_view>
 
-#include "model/numbers.h"
-#include "reader/parser.h"
+#include "model/numbers/numbers.h"
+#include "reader/file/parser.h"
 
 namespace ibis::fuzz {
 

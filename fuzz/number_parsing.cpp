@@ -8,7 +8,7 @@
 #include <string>
 
 #include "fuzz.h"
-#include "model/numbers.h"
+#include "model/numbers/numbers.h"
 
 namespace ibis::fuzz {
 namespace {

@@ -5,8 +5,8 @@
 #include <string>
 
 #include "fuzz.h"
-#include "model/numbers.h"
-#include "output/number_text.h"
+#include "model/numbers/numbers.h"
+#include "output/stream/number_text.h"
 
 namespace ibis::fuzz {
 namespace {

@@ -5,9 +5,9 @@
 
 #include "fuzz.h"
 #include "large_output.h"
-#include "package/netlist.h"
+#include "package/netlist/netlist.h"
 #include "package/package_reader.h"
-#include "reader/file.h"
+#include "reader/file/file.h"
 
 namespace ibis::fuzz {
 namespace {

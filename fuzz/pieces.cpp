@@ -1,7 +1,7 @@
 // A text scanned and read in the smallest pieces, against the same at once.
 
 #include "fuzz.h"
-#include "reader/parser.h"
+#include "reader/file/parser.h"
 
 namespace ibis::fuzz {
 namespace {

@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "fuzz.h"
-#include "model/numbers.h"
+#include "model/numbers/numbers.h"
 
 namespace ibis::fuzz {
 namespace {

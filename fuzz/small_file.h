@@ -1,7 +1,7 @@
 #pragma once
 
 #include "fuzz.h"
-#include "reader/parser.h"
+#include "reader/file/parser.h"
 #include "small_file_text.h"
 
 namespace ibis::fuzz {

@@ -2,7 +2,7 @@
 
 #include "component/pin_reader.h"
 #include "component/pin_tables.h"
-#include "host/messages.h"
+#include "host/diagnostics/messages.h"
 
 namespace ibis {
 namespace {

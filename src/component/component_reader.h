@@ -1,6 +1,6 @@
 #pragma once
 
-#include "component/component.h"
+#include "ibis/component.h"
 #include "reader/scanner.h"
 
 namespace ibis {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "host/messages.h"
+#include "host/diagnostics/messages.h"
 #include "model/model_reader.h"
 
 namespace ibis {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "reader/file.h"
-#include "reader/name_index.h"
+#include "reader/file/file.h"
 #include "reader/scanner.h"
+#include "reader/text/name_index.h"
 
 namespace ibis {
 

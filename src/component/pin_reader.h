@@ -2,7 +2,7 @@
 
 #include <span>
 
-#include "component/component.h"
+#include "ibis/component.h"
 #include "reader/scanner.h"
 
 namespace ibis {

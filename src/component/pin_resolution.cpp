@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "host/messages.h"
-#include "reader/merge_sort.h"
+#include "host/diagnostics/messages.h"
+#include "reader/text/merge_sort.h"
 
 namespace ibis {
 namespace {

@@ -2,9 +2,9 @@
 #include <cstdlib>
 #include <exception>
 
-#include "host/format_message.h"
+#include "host/diagnostics/format_message.h"
+#include "host/diagnostics/messages.h"
 #include "host/load_sequence.h"
-#include "host/messages.h"
 #include "support/script_function.h"
 
 namespace ibis {

@@ -1,9 +1,9 @@
 #include "host/load_sequence.h"
 
-#include "host/messages.h"
+#include "host/diagnostics/messages.h"
 #include "output/embedded_templates.h"
 #include "output/template_engine.h"
-#include "reader/parser.h"
+#include "reader/file/parser.h"
 #include "support/files.h"
 
 namespace ibis {

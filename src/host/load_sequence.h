@@ -5,9 +5,9 @@
 #include <string_view>
 #include <vector>
 
-#include "reader/file.h"
+#include "reader/file/file.h"
 #include "reader/scanner.h"
-#include "reader/text_buffer.h"
+#include "reader/text/text_buffer.h"
 
 namespace ibis {
 

@@ -1,6 +1,6 @@
 #include "model/apply_input_defaults.h"
 
-#include "host/messages.h"
+#include "host/diagnostics/messages.h"
 
 namespace ibis {
 namespace {

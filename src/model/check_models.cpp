@@ -1,6 +1,6 @@
 #include "model/check_models.h"
 
-#include "host/messages.h"
+#include "host/diagnostics/messages.h"
 #include "model/apply_input_defaults.h"
 #include "model/estimate_waveforms.h"
 #include "model/model_types.h"

@@ -2,8 +2,8 @@
 
 #include <span>
 
-#include "host/diagnostics.h"
-#include "model/model.h"
+#include "host/diagnostics/error_handler.h"
+#include "ibis/model.h"
 
 namespace ibis {
 

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <limits>
 
-#include "host/messages.h"
+#include "host/diagnostics/messages.h"
 #include "model/iv_table.h"
 #include "model/model_types.h"
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "host/messages.h"
+#include "host/diagnostics/messages.h"
 
 namespace ibis {
 namespace {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/diagnostics.h"
-#include "model/model.h"
+#include "host/diagnostics/error_handler.h"
+#include "ibis/model.h"
 #include "reader/scanner.h"
 
 namespace ibis {

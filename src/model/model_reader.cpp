@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "host/messages.h"
+#include "host/diagnostics/messages.h"
 #include "model/iv_table.h"
 #include "model/waveform.h"
 

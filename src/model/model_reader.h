@@ -1,8 +1,8 @@
 #pragma once
 
-#include "component/name_table.h"
-#include "host/diagnostics.h"
-#include "model/model.h"
+#include "component/names/name_table.h"
+#include "host/diagnostics/error_handler.h"
+#include "ibis/model.h"
 #include "reader/scanner.h"
 
 namespace ibis {

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "model/model.h"
+#include "ibis/model.h"
 
 namespace ibis {
 

@@ -1,6 +1,6 @@
 #include "model/resolve_references.h"
 
-#include "host/messages.h"
+#include "host/diagnostics/messages.h"
 
 namespace ibis {
 namespace {

@@ -3,7 +3,7 @@
 #include <numeric>
 
 #include "model/model_types.h"
-#include "reader/merge_sort.h"
+#include "reader/text/merge_sort.h"
 
 namespace ibis {
 namespace {

@@ -4,7 +4,7 @@
 #include <span>
 #include <string_view>
 
-#include "reader/text_buffer.h"
+#include "reader/text/text_buffer.h"
 
 namespace ibis {
 

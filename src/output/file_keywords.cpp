@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "output/output_run.h"
-#include "package/netlist.h"
-#include "reader/name_index.h"
+#include "package/netlist/netlist.h"
+#include "reader/text/name_index.h"
 
 namespace ibis {
 namespace {

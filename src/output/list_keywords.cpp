@@ -2,7 +2,7 @@
 #include <cmath>
 #include <limits>
 
-#include "model/data_strings.h"
+#include "model/strings/data_strings.h"
 #include "model/waveform.h"
 #include "output/loop_keywords.h"
 #include "output/loop_objects.h"

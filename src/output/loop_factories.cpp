@@ -3,7 +3,7 @@
 #include "model/model_types.h"
 #include "output/loop_objects.h"
 #include "output/output_run.h"
-#include "reader/name_index.h"
+#include "reader/text/name_index.h"
 
 namespace ibis {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <span>
 
-#include "model/numbers.h"
+#include "model/numbers/numbers.h"
 #include "output/loop_object.h"
 
 namespace ibis {

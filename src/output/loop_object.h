@@ -7,9 +7,9 @@
 #include <utility>
 #include <vector>
 
-#include "output/output_stream.h"
-#include "reader/ibis_string.h"
-#include "reader/text_buffer.h"
+#include "ibis/ibis_string.h"
+#include "output/stream/output_stream.h"
+#include "reader/text/text_buffer.h"
 
 namespace ibis {
 

@@ -2,9 +2,9 @@
 
 #include <optional>
 
-#include "component/component.h"
+#include "ibis/component.h"
 #include "output/loop_object.h"
-#include "reader/file.h"
+#include "reader/file/file.h"
 
 namespace ibis {
 

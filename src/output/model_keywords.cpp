@@ -1,7 +1,7 @@
 #include <algorithm>
 
-#include "model/data_strings.h"
 #include "model/model_types.h"
+#include "model/strings/data_strings.h"
 #include "model/waveform.h"
 #include "output/loop_keywords.h"
 #include "output/loop_objects.h"

@@ -5,8 +5,8 @@
 #include <filesystem>
 #include <system_error>
 
-#include "host/format_message.h"
-#include "host/messages.h"
+#include "host/diagnostics/format_message.h"
+#include "host/diagnostics/messages.h"
 
 namespace ibis {
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "output/output_stream.h"
-#include "reader/file.h"
+#include "output/stream/output_stream.h"
+#include "reader/file/file.h"
 
 namespace ibis {
 

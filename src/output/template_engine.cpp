@@ -4,7 +4,7 @@
 #include <memory_resource>
 #include <type_traits>
 
-#include "host/messages.h"
+#include "host/diagnostics/messages.h"
 #include "output/keyword_registry.h"
 
 namespace ibis {

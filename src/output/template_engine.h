@@ -1,7 +1,7 @@
 #pragma once
 
 #include "output/output_run.h"
-#include "reader/text_buffer.h"
+#include "reader/text/text_buffer.h"
 
 namespace ibis {
 

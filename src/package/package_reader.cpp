@@ -1,7 +1,7 @@
 #include "package/package_reader.h"
 
-#include "host/messages.h"
-#include "model/numbers.h"
+#include "host/diagnostics/messages.h"
+#include "model/numbers/numbers.h"
 
 namespace ibis {
 namespace {

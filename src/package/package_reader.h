@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/diagnostics.h"
-#include "package/package_model.h"
+#include "host/diagnostics/error_handler.h"
+#include "ibis/package_model.h"
 #include "reader/scanner.h"
 
 namespace ibis {

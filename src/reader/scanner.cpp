@@ -4,8 +4,8 @@
 #include <cstring>
 #include <limits>
 
-#include "host/format_message.h"
-#include "host/messages.h"
+#include "host/diagnostics/format_message.h"
+#include "host/diagnostics/messages.h"
 
 namespace ibis {
 namespace {

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "reader/ibis_string.h"
+#include "ibis/ibis_string.h"
 #include "reader/vocabulary.h"
 
 namespace ibis {

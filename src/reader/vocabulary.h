@@ -4,7 +4,7 @@
 #include <span>
 #include <string_view>
 
-#include "reader/ibis_string.h"
+#include "ibis/ibis_string.h"
 
 namespace ibis {
 

@@ -6,7 +6,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "host/format_message.h"
+#include "host/diagnostics/format_message.h"
 
 namespace ibis::testing {
 

@@ -12,7 +12,7 @@
 #include "host/load_sequence.h"
 #include "output/keyword_registry.h"
 #include "output/template_engine.h"
-#include "reader/parser.h"
+#include "reader/file/parser.h"
 
 /// Holds messages against whole texts, in order, and notes the texts as proven.
 #define EXPECT_MESSAGES(actual, ...) \

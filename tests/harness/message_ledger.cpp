@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <set>
 
-#include "host/messages.h"
+#include "host/diagnostics/messages.h"
 
 namespace ibis::testing {
 namespace {

@@ -3,7 +3,7 @@
 #include <cstdarg>
 
 #include "harness/harness.h"
-#include "host/format_message.h"
+#include "host/diagnostics/format_message.h"
 
 namespace ibis::testing {
 namespace {

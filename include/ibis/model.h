@@ -1,0 +1,92 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "ibis/ibis_string.h"
+#include "model/numbers/numbers.h"
+#include "reader/vocabulary.h"
+
+namespace ibis {
+
+/// A current-voltage table: rows of a voltage and three corner currents, in volts and amperes.
+struct IBISTable {
+  static constexpr std::int32_t ascending = 1;
+  static constexpr std::int32_t descending = 2;
+
+  bool present = false;
+  std::int32_t direction = 0;  ///< Of the voltage column; 0 until read.
+  YVector<double> voltage;     ///< Strictly monotonic once read.
+  YVector<double> typ;
+  YVector<double> max;
+  YVector<double> min;
+  /// Leading points known to be in order were the table ascending, and were it descending.
+  std::int32_t ordered[2] = {1, 1};
+
+  /// The currents of a corner's index; any other index means typ.
+  const YVector<double>& corner(int index) const {
+    return index == corner::max ? max : index == corner::min ? min : typ;
+  }
+};
+
+/// A value that a file may leave out.
+struct IBISOptional {
+  bool present = false;
+  double value = 0.0;
+};
+
+/// A transition into a fixture: rows of a time and three corner voltages, in seconds and volts.
+struct IBISWaveform {
+  static constexpr std::int32_t fromFile = 2;  ///< The kind of a waveform that was not estimated.
+
+  bool present = false;
+  IBISOptional rFixture, vFixture, vFixtureMin, vFixtureMax;
+  IBISOptional cFixture, lFixture, rDut, lDut, cDut;
+  YVector<double> time;
+  YVector<double> typ;
+  YVector<double> max;
+  YVector<double> min;
+  std::int32_t kind = fromFile;  ///< 0 or 1 for the two estimated waveforms of an edge.
+};
+
+/// The values of series elements in one state of a switch.
+struct IBISSeriesElements {
+  IBISTriple rSeries, lSeries, r1Series, cSeries, lcSeries;
+};
+
+/// A series transistor's table at one drain-source voltage.
+struct IBISSeriesMosfet {
+  double vds = 0.0;
+  IBISTable table;
+};
+
+/// One [Model] section; triples and tables are empty until the file gives them.
+struct IBISModel {
+  std::int32_t lineNumber = 0;
+  IBISString name;
+  IBISString spiceName;
+  ModelType type = ModelType::unknown;
+  IBISTriple cComp, cCompPullup, cCompPulldown, cCompPowerClamp, cCompGndClamp;
+  std::int32_t polarity = 0;  ///< 0 Non-Inverting, 1 Inverting, 2 any other word.
+  std::int32_t enable = 0;    ///< 0 Active-High, 1 Active-Low, 2 any other word.
+  IBISTriple vinl, vinh, vinhPlus, vinhMinus, vinlPlus, vinlMinus;
+  IBISTriple sOvershootHigh, sOvershootLow, dOvershootHigh, dOvershootLow, dOvershootTime;
+  IBISTriple pulseHigh, pulseLow, pulseTime;
+  IBISTriple vmeas, cref, rref, vref;
+  IBISTriple reservedSpec[8];  ///< No word of the vocabulary leads here.
+  IBISTriple rrefDiff, crefDiff;
+  IBISTriple temperatureRange, voltageRange;
+  IBISTriple pullupReference, pulldownReference, powerClampReference, gndClampReference;
+  IBISTriple ttgnd, ttpower;
+  IBISTable pulldown, pullup, gndClamp, powerClamp;
+  IBISTriple rgnd, rpower, rac, cac;
+  IBISSeriesElements seriesOn, seriesOff;
+  IBISTable seriesCurrentOn, seriesCurrentOff;
+  std::vector<IBISSeriesMosfet> seriesMosfetOn, seriesMosfetOff;
+  IBISTriple rampDvRise, rampDtRise, rampDvFall,
+      rampDtFall;  ///< Volts and seconds; never `present`.
+  IBISOptional rLoad{true, 50.0};
+  std::vector<IBISWaveform> risingWaveforms, fallingWaveforms;
+};
+
+}  // namespace ibis

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+#include "ibis/ibis_string.h"
+#include "reader/text/name_index.h"
+
+namespace ibis {
+
+/// Maps source names to SPICE-legal names that are unique in the table, whatever their case.
+///
+/// An entry never changes. Names must outlive the table, which keeps no copies of them; the texts
+/// that it gives out are theirs or live as long as the table.
+class IBISNameTable {
+ public:
+  /// Gives the name a SPICE name, if it has none yet.
+  void registerName(std::string_view name);
+
+  /// Registers the name, or the first of name_1, name_2, ... that is new, and gives that.
+  IBISString makeUniqueName(std::string_view name);
+
+  /// The SPICE name, empty for a name that is not registered.
+  IBISString spiceName(std::string_view name) const;
+
+  /// Makes room for so many names.
+  void reserve(std::size_t count);
+
+  /// Forgets which names there are; their texts stay.
+  void forgetNames();
+
+ private:
+  std::string_view legalForm(std::string_view name);
+  std::string_view freeSourceName(std::string_view name);
+  std::string_view freeSpiceName(std::string_view base);
+
+  StringPool strings_;
+  NameIndex<ExactCase> sources_;
+  NameIndex<IgnoringCase> spiceNames_;  // same places as sources_
+  // How far the counter of a contested name got; nothing below is ever free again.
+  NameCounters<ExactCase> sourceCounters_;
+  NameCounters<IgnoringCase> spiceCounters_;
+};
+
+}  // namespace ibis
