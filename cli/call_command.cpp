@@ -5,8 +5,8 @@
 #include <iterator>
 
 #include "exit_status.h"
-#include "host/diagnostics/error_handler.h"
 #include "host_call.h"
+#include "ibis/exception.h"
 #include "json_line.h"
 #include "plugin.h"
 

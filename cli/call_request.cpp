@@ -7,8 +7,8 @@ namespace {
 
 using nlohmann::json;
 
-constexpr std::size_t fewestArguments = 2;
-constexpr std::size_t mostArguments = 4;
+constexpr std::size_t minArguments = 2;
+constexpr std::size_t maxArguments = 4;
 
 [[noreturn]] void refuse(const std::string& reason) {
   throw MalformedRequest("malformed request: " + reason);
@@ -50,7 +50,7 @@ std::vector<std::string> takeStrings(const json& array, const std::string& place
 CallArguments parseRequest(std::string_view text) {
   const json request = parseJson(text);
   if (!request.is_array()) refuse("it is no array");
-  if (request.size() < fewestArguments || request.size() > mostArguments) {
+  if (request.size() < minArguments || request.size() > maxArguments) {
     refuse("it has " + std::to_string(request.size()) + " items, not two to four");
   }
   CallArguments arguments;

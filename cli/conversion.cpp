@@ -1,23 +1,25 @@
 #include "conversion.h"
 
-#include <cerrno>
+#include <algorithm>
+#include <cstdio>
 #include <exception>
 #include <filesystem>
-#include <fstream>
 #include <limits>
+#include <optional>
+#include <system_error>
 
-#include "finite_check.h"
 #include "host/diagnostics/messages.h"
 #include "host/load_sequence.h"
 #include "interruption.h"
-#include "output_names.h"
+#include "messages.h"
+#include "model/estimate_waveforms.h"
+#include "model_checks.h"
+#include "reader/text/open_file.h"
 
 namespace ibis::cli {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string inQuotes(std::string_view text) { return '\'' + std::string(text) + '\''; }
 
 // The load takes backslashes for escapes.
 std::string withEscapes(std::string_view text) {
@@ -39,16 +41,21 @@ LoadRequest toLoadRequest(const ConversionRequest& request) {
 }
 
 // A load passes over a file that it cannot read; a person wants to know why.
-std::string reasonUnread(const std::string& source) {
+Diagnostic reasonUnread(const std::string& source) {
   std::error_code fault;
   const fs::file_status status = fs::status(source, fault);
   // Asked first, since opening a pipe would wait for its writer.
-  if (fs::exists(status) && !fs::is_regular_file(status)) return "Not a regular file";
-  if (!std::ifstream(source)) {
-    return "Cannot open the file: " + std::generic_category().message(errno);
+  if (fs::exists(status) && !fs::is_regular_file(status)) {
+    return tell(Severity::error, message::notRegular);
   }
+  std::FILE* file = nullptr;
+  if (const int number = openFile(&file, source.c_str(), "rb"); number != 0) {
+    return tell(Severity::error, message::cannotOpenFile,
+                std::generic_category().message(number).c_str());
+  }
+  std::fclose(file);
   const bool isTooLarge = fs::file_size(source, fault) >= std::numeric_limits<std::int32_t>::max();
-  return isTooLarge ? "The file is too large" : "Cannot read the whole file";
+  return tell(Severity::error, isTooLarge ? message::fileTooLarge : message::cannotReadFile);
 }
 
 // Without a name the files would be called ".lb" and "_INFO.html".
@@ -58,10 +65,11 @@ void nameSubcircuit(Load& load) {
   load.file().setUserSubcircuitName(component->spiceName);
 }
 
-std::string makeFolder(const std::string& folder) {
+std::optional<Diagnostic> makeFolder(const std::string& folder) {
   std::error_code fault;
   fs::create_directories(folder, fault);
-  return fault ? "Cannot make folder " + inQuotes(folder) + ": " + fault.message() : "";
+  if (!fault) return std::nullopt;
+  return tell(Severity::error, message::cannotMakeFolder, folder.c_str(), fault.message().c_str());
 }
 
 // The templates' file names take what stands between percent signs for a keyword.
@@ -69,75 +77,81 @@ bool isFileName(std::string_view subcircuit) {
   return !subcircuit.empty() && subcircuit.find('%') == subcircuit.npos;
 }
 
-// What keeps a file without errors from being written; empty if nothing does.
-std::string findObstacle(const Load& load, const ConversionRequest& request) {
-  const std::string_view subcircuit = load.file().data().userSubcircuitName;
-  if (load.chosenComponent() == nullptr) return "The file has no component";
-  if (load.mode() == OutputMode::symbol) return "Mode 'symbol' writes nothing";
-  if (isNamedBySubcircuit(load.mode()) && !isFileName(subcircuit)) {
-    return "No file can be called by " + inQuotes(subcircuit) + "; name the subcircuit with -s";
+// What keeps a file without errors from being written, if anything does.
+std::optional<Diagnostic> findObstacle(const Load& load, const ConversionRequest& request) {
+  const IBISFileData& file = load.file().data();
+  const IBISComponent* component = load.chosenComponent();
+  const Output* output = findOutput(load.mode());
+  if (component == nullptr) return tell(Severity::error, message::noComponent);
+  const OutputPlace place{.rootDirectory = request.folder,
+                          .subcircuit = file.userSubcircuitName.str(),
+                          .spiceComponentName = component->spiceName.str()};
+  const std::vector<std::string> names = output->names(*output, place);
+  if (names.empty()) {
+    return tell(Severity::error, message::modeWritesNothing, std::string(output->word).c_str());
   }
-  for (const std::string& name : outputNames(load.mode(), request.folder, subcircuit)) {
-    std::error_code isAbsent;
-    if (fs::equivalent(request.source, name, isAbsent)) {
-      return "Output file " + inQuotes(name) + " is the input file itself";
-    }
+  if (isNamedBySubcircuit(*output) && !isFileName(place.subcircuit)) {
+    return tell(Severity::error, message::noFileName, place.subcircuit.c_str());
   }
-  return {};
+  for (const std::string& name : names) {
+    if (isSource(file, name)) return tell(Severity::error, message::outputIsInput, name.c_str());
+  }
+  return std::nullopt;
 }
 
-// Gives what kept the files from being written, if anything did.
-std::string write(Load& load, const ConversionRequest& request, Conversion& result) {
+// Returns what kept the files from being written, if anything did.
+std::optional<Diagnostic> write(Load& load, const ConversionRequest& request, Conversion& result) {
   nameSubcircuit(load);
-  std::string obstacle = findObstacle(load, request);
-  if (obstacle.empty()) obstacle = makeFolder(request.folder);
-  if (!obstacle.empty()) return obstacle;
-  const FilesAtRisk files(
-      outputNames(load.mode(), request.folder, load.file().data().userSubcircuitName));
-  result.files = load.write();
-  return {};
+  std::optional<Diagnostic> obstacle = findObstacle(load, request);
+  if (!obstacle) obstacle = makeFolder(request.folder);
+  if (obstacle) return obstacle;
+  WatchedSink sink;
+  result.files = load.write(sink);
+  return std::nullopt;
 }
 
-void takeMessages(const IBISFileData& file, Conversion& result) {
-  const MessageLocator locator(file);
-  for (const std::string& text : file.warnings) result.warnings.push_back(locator.locate(text));
-  for (const std::string& text : file.errors) result.errors.push_back(locator.locate(text));
-}
-
-// Only model mode writes models, and their library ahead of the page.
-void warnOfValuesNotFinite(const Load& load, Conversion& result) {
+// What the library holds of the models, model by model.
+void warnOfModels(const Load& load, Conversion& result) {
   if (load.mode() != OutputMode::model || result.files.empty()) return;
   const std::string& library = result.files.front();
-  if (!library.ends_with(".lb")) return;
+  const bool isFinite =
+      std::ranges::find(load.nonFiniteFiles(), library) == load.nonFiniteFiles().end();
   for (const IBISModel* model : load.chosenComponent()->models) {
-    if (hasFiniteData(*model)) continue;
-    result.warnings.push_back(
-        {model->lineNumber, "Model " + inQuotes(model->name) +
-                                ": a table or waveform value is not finite; " + inQuotes(library) +
-                                " holds \"nan\" or \"inf\""});
+    const std::string name = model->name.str();
+    if (!isFinite && !hasFiniteData(*model)) {
+      result.warnings.push_back(tell(Severity::warning, message::valueNotFinite, model->lineNumber,
+                                     name.c_str(), library.c_str()));
+    }
+    if (lacksPoints(*model)) {
+      result.warnings.push_back(tell(Severity::warning, message::tooManyEstimatedPoints,
+                                     model->lineNumber, name.c_str(), maxTimePoints));
+    }
   }
 }
 
 }  // namespace
 
-Conversion failure(const std::string& reason) {
-  return {.files = {}, .warnings = {}, .errors = {{std::nullopt, reason}}};
+Conversion failure(Diagnostic reason) {
+  Conversion result;
+  result.errors.push_back(std::move(reason));
+  return result;
 }
 
 Conversion convert(const ConversionRequest& request) {
   Conversion result;
   Load load(toLoadRequest(request));
-  std::string obstacle;
+  std::optional<Diagnostic> obstacle;
   try {
     load.read();
     if (!load.sourceWasRead()) return failure(reasonUnread(request.source));
     if (!load.file().hasErrors()) obstacle = write(load, request, result);
   } catch (const std::exception& fault) {
-    load.file().error(message::loadFailed, fault.what());
+    load.file().error(ibis::message::loadFailed, fault.what());
   }
-  takeMessages(load.file().data(), result);
-  if (!obstacle.empty()) result.errors.push_back({std::nullopt, obstacle});
-  warnOfValuesNotFinite(load, result);
+  result.warnings = load.file().data().warnings;
+  result.errors = load.file().data().errors;
+  if (obstacle) result.errors.push_back(std::move(*obstacle));
+  warnOfModels(load, result);
   return result;
 }
 

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "message.h"
+#include "ibis/diagnostic.h"
 
 namespace ibis::cli {
 
@@ -21,12 +21,12 @@ struct ConversionRequest {
 /// What one conversion wrote and what it has to say.
 struct Conversion {
   std::vector<std::string> files;
-  std::vector<Message> warnings;
-  std::vector<Message> errors;
+  std::vector<Diagnostic> warnings;
+  std::vector<Diagnostic> errors;
 };
 
 /// A conversion that came to nothing.
-Conversion failure(const std::string& reason);
+Conversion failure(Diagnostic reason);
 
 /// Reads the file and writes what the mode asks for, unless an error stands.
 Conversion convert(const ConversionRequest& request);

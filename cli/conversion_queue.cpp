@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <system_error>
 
-#include "host/diagnostics/error_handler.h"
+#include "ibis/exception.h"
+#include "messages.h"
 
 namespace ibis::cli {
 
@@ -57,16 +58,16 @@ void ConversionQueue::work() {
 
 // Whatever happens to one file must not keep the others from being converted.
 Conversion ConversionQueue::convertSource(const Source& source) const {
-  if (!source.fault.empty()) return failure(source.fault);
+  if (source.fault) return failure(*source.fault);
   ConversionRequest request = pattern_;
   request.source = source.name;
   request.folder = source.folder;
   try {
     return convert(request);
   } catch (const std::exception& fault) {
-    return failure(fault.what());
+    return failure(tell(Severity::error, message::workFailed, fault.what()));
   } catch (const KelvrantException& fault) {
-    return failure(fault.message);
+    return failure(tell(Severity::error, message::workFailed, fault.message));
   }
 }
 

@@ -2,24 +2,19 @@
 
 #include <CLI/CLI.hpp>
 #include <iostream>
+#include <sstream>
 
 #include "interruption.h"
 #include "many_files.h"
+#include "output/outputs.h"
 #include "report.h"
 #include "source_list.h"
 
 namespace ibis::cli {
 namespace {
 
-constexpr const char* details = R"(Modes, and what each writes into DIR:
-  model    SUBCKT.lb, the SPICE library of the component and its models, and
-           SUBCKT_INFO.html, a page about them
-  package  SUBCKT.lb, the SPICE library of the component's package alone
-  script   ibis_components.kvscr, a host script about every component of the file;
-           it needs no COMPONENT, and with one leaves out the pins of the others
-  symbol   nothing; the file is read and checked, which ends with status 1
-
-Standard output: the files written and the counts of warnings and errors.
+constexpr const char* details =
+    R"(Standard output: the files written and the counts of warnings and errors.
 Standard error: each message as FILE:LINE: warning: TEXT, or without LINE.
 
 Many files: several FILEs, or a folder, which stands for every file in it and in its
@@ -51,6 +46,34 @@ Examples:
   ibis-load convert vendor -j 4 --json -o libraries > report.json
       reports as one JSON array: each object begins with its file)";
 
+// Each mode with what it writes, in lines of 80 columns at most.
+std::string modesText() {
+  constexpr std::size_t nameColumns = 8;
+  constexpr std::size_t lineColumns = 80;
+  const std::string indent(2 + nameColumns + 1, ' ');
+  std::string text = "Modes, and what each writes into DIR:\n";
+  for (const Output& output : outputTable()) {
+    std::string line = "  " + std::string(output.word);
+    line.resize(indent.size(), ' ');
+    std::istringstream words{std::string(output.summary)};
+    for (std::string word; words >> word;) {
+      if (line.size() + word.size() > lineColumns) {
+        text += line + '\n';
+        line = indent;
+      }
+      line += (line.ends_with(' ') ? "" : " ") + word;
+    }
+    text += line + '\n';
+  }
+  return text;
+}
+
+std::vector<std::string> modeWords() {
+  std::vector<std::string> words;
+  for (const Output& output : outputTable()) words.emplace_back(output.word);
+  return words;
+}
+
 std::string checkSubcircuit(const std::string& name) {
   const bool isName = name.find_first_of(" \t\n/%") == name.npos;
   return isName ? "" : "A subcircuit's name holds no blank, '/' or '%'";
@@ -79,7 +102,7 @@ void addSourceOptions(CLI::App& command, ConvertOptions& options) {
 }
 
 void addFileOptions(CLI::App& command, ConversionRequest& request) {
-  const CLI::IsMember modes({"model", "package", "script", "symbol"}, CLI::ignore_case);
+  const CLI::IsMember modes(modeWords(), CLI::ignore_case);
   command.add_option("-m,--mode", request.mode, "What to write, in any case of letters")
       ->type_name("MODE")
       ->check(modes)
@@ -149,7 +172,7 @@ CLI::App* addConvertCommand(CLI::App& program, ConvertOptions& options) {
   addFileOptions(*command, options.request);
   addChoiceOptions(*command, options.request);
   addReportOptions(*command, options);
-  command->footer(details);
+  command->footer(modesText() + '\n' + details);
   command->parse_complete_callback([&options] { checkAgainstEachOther(options); });
   return command;
 }

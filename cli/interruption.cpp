@@ -1,9 +1,10 @@
 #include "interruption.h"
 
-#include <algorithm>
 #include <csignal>
-#include <iostream>
+#include <cstdio>
 #include <mutex>
+#include <set>
+#include <string>
 #include <system_error>
 #include <thread>
 
@@ -12,11 +13,11 @@ namespace {
 
 struct Register {
   std::mutex mutex;
-  std::vector<const std::vector<std::string>*> lists;
+  std::set<std::string> files;
 };
 
 // Never destroyed: the thread that reads it lives as long as the program.
-Register& filesAtRisk() {
+Register& unfinished() {
   static Register& all = *new Register;
   return all;
 }
@@ -33,16 +34,10 @@ sigset_t endingSignals() {
   return signals;
 }
 
-// Holds the lock to the end, so that no file is finished behind the words.
+// Holds the lock to the end, so that no further file is begun.
 [[noreturn]] void end(int signal, const sigset_t& signals) {
-  const std::lock_guard lock(filesAtRisk().mutex);
-  std::string text;
-  for (const auto* names : filesAtRisk().lists) {
-    for (const std::string& name : *names) {
-      text.append("ibis-load: error: interrupted, '").append(name).append("' may be cut\n");
-    }
-  }
-  std::cerr << text;
+  const std::lock_guard lock(unfinished().mutex);
+  for (const std::string& name : unfinished().files) std::remove(name.c_str());
   std::signal(signal, SIG_DFL);
   std::raise(signal);
   pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
@@ -57,7 +52,7 @@ void waitForEnd(sigset_t signals) {
 
 }  // namespace
 
-// Where there is no room for one more thread, a signal ends the program without a word.
+// Where there is no room for one more thread, a signal ends the program at once.
 void watchForInterruption() {
   const sigset_t signals = endingSignals();
   pthread_sigmask(SIG_BLOCK, &signals, nullptr);
@@ -68,14 +63,16 @@ void watchForInterruption() {
   }
 }
 
-FilesAtRisk::FilesAtRisk(std::vector<std::string> names) : names_(std::move(names)) {
-  const std::lock_guard lock(filesAtRisk().mutex);
-  filesAtRisk().lists.push_back(&names_);
+WatchedSink::~WatchedSink() { discardAll(); }
+
+void WatchedSink::announce(const std::string& temporary) {
+  const std::lock_guard lock(unfinished().mutex);
+  unfinished().files.insert(temporary);
 }
 
-FilesAtRisk::~FilesAtRisk() {
-  const std::lock_guard lock(filesAtRisk().mutex);
-  std::erase(filesAtRisk().lists, &names_);
+void WatchedSink::forget(const std::string& temporary) {
+  const std::lock_guard lock(unfinished().mutex);
+  unfinished().files.erase(temporary);
 }
 
 }  // namespace ibis::cli

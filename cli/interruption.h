@@ -1,25 +1,23 @@
 #pragma once
 
-#include <string>
-#include <vector>
+#include "output/stream/file_sink.h"
 
 namespace ibis::cli {
 
-/// Lets the signals that end the program first say which files they cut.
+/// Lets the signals that end the program first remove the files that are not whole.
 ///
-/// Called once, ahead of the first thread, since every thread inherits which signals it leaves.
+/// Called once, before the first thread, since every thread inherits which signals it leaves.
 void watchForInterruption();
 
-/// Files that an end of the program would cut, for as long as this lives. Any thread.
-class FilesAtRisk {
+/// Writes files of which an end of the program by a signal leaves no unfinished one. Any thread.
+class WatchedSink final : public FileSink {
  public:
-  explicit FilesAtRisk(std::vector<std::string> names);
-  ~FilesAtRisk();
-  FilesAtRisk(const FilesAtRisk&) = delete;
-  FilesAtRisk& operator=(const FilesAtRisk&) = delete;
+  using FileSink::FileSink;
+  ~WatchedSink() override;
 
- private:
-  std::vector<std::string> names_;
+ protected:
+  void announce(const std::string& temporary) override;
+  void forget(const std::string& temporary) override;
 };
 
 }  // namespace ibis::cli

@@ -21,9 +21,13 @@ ScriptFunction Plugin::function(const char* name) const {
   throw PluginFault('\'' + path_ + "' registers no function " + name);
 }
 
-std::string ownPluginPath() {
+std::string ownPluginPath(const std::string& programLink) {
   std::error_code unknown;
-  const auto program = std::filesystem::read_symlink("/proc/self/exe", unknown);
+  const auto program = std::filesystem::read_symlink(programLink, unknown);
+  if (unknown) {
+    throw PluginFault("cannot tell where the plug-in lies: " + unknown.message() +
+                      "; name it with --plugin");
+  }
   return (program.parent_path() / IBIS_LOAD_PLUGIN_FROM_BIN).lexically_normal().string();
 }
 

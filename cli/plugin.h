@@ -29,7 +29,8 @@ class Plugin {
   void* handle_;
 };
 
-/// The plug-in that was built or installed with this program.
-std::string ownPluginPath();
+/// The plug-in that was built or installed with this program; raises PluginFault where the link
+/// that tells the program's place cannot be read.
+std::string ownPluginPath(const std::string& programLink = "/proc/self/exe");
 
 }  // namespace ibis::cli

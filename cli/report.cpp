@@ -8,20 +8,20 @@ namespace {
 
 using nlohmann::ordered_json;
 
-void appendList(std::string& text, const std::string& source, const std::vector<Message>& list,
-                std::string_view level) {
-  for (const Message& message : list) {
+void appendList(std::string& text, const std::string& source, const std::vector<Diagnostic>& list) {
+  for (const Diagnostic& message : list) {
     text.append(source).append(":");
-    if (message.line) text.append(std::to_string(*message.line)).append(":");
-    text.append(" ").append(level).append(": ").append(message.text).append("\n");
+    if (message.line > 0) text.append(std::to_string(message.line)).append(":");
+    text.append(message.severity == Severity::error ? " error: " : " warning: ");
+    text.append(message.text).append("\n");
   }
 }
 
-ordered_json toJson(const std::vector<Message>& list) {
+ordered_json toJson(const std::vector<Diagnostic>& list) {
   ordered_json array = ordered_json::array();
-  for (const Message& message : list) {
+  for (const Diagnostic& message : list) {
     ordered_json& item = array.emplace_back();
-    item["line"] = message.line ? ordered_json(*message.line) : ordered_json();
+    item["line"] = message.line > 0 ? ordered_json(message.line) : ordered_json();
     item["text"] = message.text;
   }
   return array;
@@ -44,8 +44,8 @@ int exitStatusOf(const Conversion& conversion, bool warningsFail) {
 
 std::string messageText(const std::string& source, const Conversion& conversion) {
   std::string text;
-  appendList(text, source, conversion.warnings, "warning");
-  appendList(text, source, conversion.errors, "error");
+  appendList(text, source, conversion.warnings);
+  appendList(text, source, conversion.errors);
   return text;
 }
 

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "ibis/ibis_string.h"
+#include "messages.h"
 
 namespace ibis::cli {
 namespace {
@@ -55,13 +56,14 @@ class SourceCollector {
 
   void addFile(const fs::path& name, const fs::path& below) {
     const fs::path wanted = output_ / below / withoutEnding(name.filename().string());
-    sources_.push_back({name.string(), folders_.take(wanted.string()), {}});
+    sources_.push_back(
+        {.name = name.string(), .folder = folders_.take(wanted.string()), .fault = {}});
   }
 
   void addFolder(const fs::path& name) {
     const std::size_t before = sources_.size();
     search(name, {});
-    if (sources_.size() == before) addFault(name, "Nothing to convert: no file ends in .ibs");
+    if (sources_.size() == before) addFault(name, tell(Severity::error, message::nothingToConvert));
   }
 
   std::vector<Source> take() { return std::move(sources_); }
@@ -69,8 +71,8 @@ class SourceCollector {
  private:
   using Identity = std::pair<dev_t, ino_t>;
 
-  void addFault(const fs::path& name, const std::string& fault) {
-    sources_.push_back({name.string(), {}, fault});
+  void addFault(const fs::path& name, Diagnostic fault) {
+    sources_.push_back({.name = name.string(), .folder = {}, .fault = std::move(fault)});
   }
 
   // Each file and folder of a folder by name, whatever order the file system has.
@@ -82,7 +84,9 @@ class SourceCollector {
          entry.increment(fault)) {
       entries.push_back(*entry);
     }
-    if (fault) addFault(name, "Cannot read the whole folder: " + fault.message());
+    if (fault)
+      addFault(name,
+               tell(Severity::error, message::cannotReadWholeFolder, fault.message().c_str()));
     std::ranges::sort(entries);
     for (const fs::directory_entry& entry : entries) addEntry(entry, below);
     searched_.pop_back();
@@ -95,7 +99,8 @@ class SourceCollector {
     } else if (isIbisName(entry.path().native())) {
       addFile(entry.path(), below);
     } else if (fault && fault != std::errc::no_such_file_or_directory) {
-      addFault(entry.path(), "Cannot tell whether it is a folder: " + fault.message());
+      addFault(entry.path(),
+               tell(Severity::error, message::cannotTellFolder, fault.message().c_str()));
     }
   }
 
@@ -103,12 +108,13 @@ class SourceCollector {
   bool enter(const fs::path& name) {
     struct stat status {};
     if (::stat(name.c_str(), &status) != 0) {
-      addFault(name, "Cannot read the folder: " + std::generic_category().message(errno));
+      addFault(name, tell(Severity::error, message::cannotReadFolder,
+                          std::generic_category().message(errno).c_str()));
       return false;
     }
     const Identity identity(status.st_dev, status.st_ino);
     if (std::ranges::find(searched_, identity) != searched_.end()) {
-      addFault(name, "The link leads back to a folder above it and is not followed");
+      addFault(name, tell(Severity::error, message::linkLeadsBack));
       return false;
     }
     searched_.push_back(identity);

@@ -1,15 +1,18 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
+
+#include "ibis/diagnostic.h"
 
 namespace ibis::cli {
 
 /// A file to convert, or what was found instead of one.
 struct Source {
-  std::string name;    ///< As messages call it.
-  std::string folder;  ///< Where its output goes, no other source's goes there.
-  std::string fault;   ///< Why there is nothing to convert; empty for a file.
+  std::string name;                 ///< As messages call it.
+  std::string folder;               ///< Where its output goes, no other source's goes there.
+  std::optional<Diagnostic> fault;  ///< Why there is nothing to convert; none for a file.
 };
 
 /// Whether the arguments may give more than one file: several of them, or a folder.

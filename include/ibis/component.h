@@ -2,12 +2,15 @@
 
 #include <cstdint>
 #include <forward_list>
+#include <memory>
 #include <vector>
 
-#include "component/names/name_table.h"
+#include "ibis/ibis_string.h"
 #include "ibis/model.h"
 
 namespace ibis {
+
+class IBISNameTable;
 
 /// The package's own resistance, inductance and capacitance, in ohms, henries and farads.
 struct IBISPackage {
@@ -30,6 +33,9 @@ struct IBISPin {
   std::int32_t line = 0;
   bool parsed = false;
   bool hasOwnRLC = false;  ///< The row carried the three R, L and C columns.
+  bool missingR = false;   ///< R_pin is NA or empty in a row that has the column.
+  bool missingL = false;   ///< L_pin likewise.
+  bool missingC = false;   ///< C_pin likewise.
 
   /// The pin's resistance, inductance and capacitance.
   IBISTriple R_pin() const { return valuesOf(ownR, &IBISPackage::R_pkg); }
@@ -38,7 +44,8 @@ struct IBISPin {
 
  private:
   IBISTriple valuesOf(double own, IBISTriple IBISPackage::*shared) const {
-    return hasOwnRLC || package == nullptr ? IBISTriple{true, own, own, own} : package->*shared;
+    if (!hasOwnRLC && package != nullptr) return package->*shared;
+    return {.present = true, .typ = own, .max = own, .min = own};
   }
 };
 
@@ -107,7 +114,7 @@ struct IBISComponent {
   std::vector<IBISSeriesPinMapping> seriesPinMappings;
   std::vector<IBISSeriesSwitchGroup> seriesSwitchGroups;
   IBISString packageModelName;
-  IBISNameTable nameTable;  ///< Signal names of the pins.
+  std::shared_ptr<IBISNameTable> nameTable;  ///< Signal names of the pins, once there are some.
   std::vector<IBISPinEntry> pinEntries;
   std::vector<IBISModel*> models;  ///< Each model in use once.
 };

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "ibis/ibis_string.h"
-#include "model/numbers/numbers.h"
-#include "reader/vocabulary.h"
+#include "ibis/model_type.h"
+#include "ibis/values.h"
+#include "ibis/yvector.h"
 
 namespace ibis {
 
@@ -20,6 +22,7 @@ struct IBISTable {
   YVector<double> typ;
   YVector<double> max;
   YVector<double> min;
+  MissingCells missing = {};  ///< By row and corner; their numbers are a load's stand-ins.
   /// Leading points known to be in order were the table ascending, and were it descending.
   std::int32_t ordered[2] = {1, 1};
 
@@ -29,10 +32,22 @@ struct IBISTable {
   }
 };
 
-/// A value that a file may leave out.
-struct IBISOptional {
-  bool present = false;
-  double value = 0.0;
+/// One estimated transition at one corner; seconds, volts and ohms.
+struct EstimatedEdge {
+  double duration = 0.0;
+  double delay = 0.0;
+  double vStart = 0.0;
+  double vEnd = 0.0;
+  double load = 0.0;
+  double fixtureVoltage = 0.0;
+  int corner = 0;
+};
+
+/// What the points of an estimated waveform are made from when they are wanted.
+struct IBISEstimate {
+  bool noDelay = false;
+  IBISTriple rampTime;
+  EstimatedEdge edges[corner::count];  ///< By corner.
 };
 
 /// A transition into a fixture: rows of a time and three corner voltages, in seconds and volts.
@@ -46,7 +61,10 @@ struct IBISWaveform {
   YVector<double> typ;
   YVector<double> max;
   YVector<double> min;
+  MissingCells missing = {};     ///< By row and corner; their numbers are a load's stand-ins.
   std::int32_t kind = fromFile;  ///< 0 or 1 for the two estimated waveforms of an edge.
+  std::shared_ptr<IBISEstimate> estimate =
+      nullptr;  ///< Of an estimated waveform, whose lists are empty.
 };
 
 /// The values of series elements in one state of a switch.

@@ -4,7 +4,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/diagnostics/error_handler.h"
+#include "ibis/exception.h"
 
 namespace ibis {
 

@@ -1,8 +1,10 @@
 #include "component/component_reader.h"
 
+#include "component/names/name_table.h"
 #include "component/pin_reader.h"
 #include "component/pin_tables.h"
 #include "host/diagnostics/messages.h"
+#include "model/numbers/numbers.h"
 
 namespace ibis {
 namespace {
@@ -73,15 +75,45 @@ class ComponentReader {
 
   // A value left out is an empty text and reads as 0, unlike an explicit NA.
   static void readPackageLine(IBISTriple& triple, Fields& fields) {
+    constexpr int columns[] = {corner::typ, corner::min, corner::max};
     triple.typ = parseNumber(fields.at(1), 0.0);
     triple.min = parseNumber(fields.at(2), triple.typ);
     triple.max = parseNumber(fields.at(3), triple.typ);
+    triple.missing = {};
+    for (std::int32_t i = 0; i < corner::count; ++i) {
+      if (isMissingValue(fields.at(i + 1))) triple.missing.set(columns[i]);
+    }
   }
 
-  std::string name() const { return keywordName(record().keyword).str(); }
-
-  // Keywords that no group names pass without a word, their neighbours in the standard do not.
   void readKeyword() {
+    const KeywordRow* row = findKeyword(record().keyword);
+    if (row == nullptr) return;
+    if (row->inComponent == InComponent::own) {
+      readOwn();
+    } else {
+      reportOutOfPlace(row->inComponent, std::string(row->name).c_str());
+    }
+  }
+
+  void reportOutOfPlace(InComponent group, const char* name) {
+    const std::int32_t line = record().line;
+    switch (group) {
+      case InComponent::ofHeader:
+        return errors_.error(message::headerKeywordInComponent, line, name);
+      case InComponent::ofModel:
+        return errors_.error(message::modelKeywordInComponent, line, name);
+      case InComponent::ofSubmodel:
+        return errors_.error(message::submodelKeywordInComponent, line, name);
+      case InComponent::ofPackage:
+        return errors_.error(message::packageKeywordInComponent, line, name);
+      case InComponent::ofCircuit:
+        return errors_.error(message::circuitKeywordInComponent, line, name);
+      default:
+        return;
+    }
+  }
+
+  void readOwn() {
     switch (record().keyword) {
       case keyword::manufacturer:
         component_.manufacturer = keywordText(record());
@@ -98,7 +130,6 @@ class ComponentReader {
       case keyword::diffPin:
         readDiffPins(component_, records_, index_);
         break;
-
       case keyword::pinMapping:
         errors_.error(message::pinMappingNotSupported, record().line);
         readPinMappings(component_, records_, index_);
@@ -111,79 +142,6 @@ class ComponentReader {
         errors_.error(message::seriesSwitchGroupsNotSupported, record().line);
         readSeriesSwitchGroups(component_, records_, index_);
         break;
-
-      case keyword::ibisVer:
-      case keyword::fileName:
-      case keyword::fileRev:
-      case keyword::date:
-      case keyword::source:
-      case keyword::notes:
-      case keyword::disclaimer:
-      case keyword::copyright:
-        errors_.error(message::headerKeywordInComponent, record().line, name().c_str());
-        break;
-
-      case keyword::modelSpec:
-      case keyword::driverSchedule:
-      case keyword::temperatureRange:
-      case keyword::voltageRange:
-      case keyword::pullupReference:
-      case keyword::pulldownReference:
-      case keyword::powerClampReference:
-      case keyword::gndClampReference:
-      case keyword::ttgnd:
-      case keyword::ttpower:
-      case keyword::pulldown:
-      case keyword::pullup:
-      case keyword::gndClamp:
-      case keyword::powerClamp:
-      case keyword::rgnd:
-      case keyword::rpower:
-      case keyword::rac:
-      case keyword::cac:
-      case keyword::on:
-      case keyword::off:
-      case keyword::rSeries:
-      case keyword::lSeries:
-      case keyword::r1Series:
-      case keyword::cSeries:
-      case keyword::lcSeries:
-      case keyword::seriesCurrent:
-      case keyword::seriesMosfet:
-      case keyword::ramp:
-      case keyword::risingWaveform:
-      case keyword::fallingWaveform:
-        errors_.error(message::modelKeywordInComponent, record().line, name().c_str());
-        break;
-
-      case keyword::addSubmodel:
-      case keyword::submodelSpec:
-      case keyword::gndPulseTable:
-      case keyword::powerPulseTable:
-        errors_.error(message::submodelKeywordInComponent, record().line, name().c_str());
-        break;
-
-      case keyword::oem:
-      case keyword::description:
-      case keyword::numberOfSections:
-      case keyword::numberOfPins:
-      case keyword::pinNumbers:
-      case keyword::modelData:
-      case keyword::endModelData:
-      case keyword::resistanceMatrix:
-      case keyword::inductanceMatrix:
-      case keyword::capacitanceMatrix:
-      case keyword::row:
-      case keyword::bandwidth:
-      case keyword::endPackageModel:
-        errors_.error(message::packageKeywordInComponent, record().line, name().c_str());
-        break;
-
-      case keyword::nodeDeclarations:
-      case keyword::circuitCall:
-        errors_.error(message::circuitKeywordInComponent, record().line, name().c_str());
-        break;
-
       default:
         break;
     }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "component/names/name_table.h"
+#include "host/diagnostics/error_handler.h"
 #include "ibis/component.h"
 #include "reader/scanner.h"
 

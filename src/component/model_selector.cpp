@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "host/diagnostics/messages.h"
-#include "model/model_reader.h"
+#include "model/numbers/numbers.h"
 
 namespace ibis {
 namespace {
@@ -30,9 +30,9 @@ IBISString resolve(const IBISModelSelector& selector, const Selections& selectio
   std::int32_t best = selections.size();
   IBISString name;
   for (const IBISModelSelectorRow& row : selector.rows) {
-    const std::int32_t place = selections.find(row.description);
-    if (place == Selections::absent || place > best) continue;
-    best = place;
+    const std::int32_t index = selections.find(row.description);
+    if (index == Selections::absent || index > best) continue;
+    best = index;
     name = row.modelName;
   }
   if (!name.empty() || selector.rows.empty()) return name;
@@ -41,13 +41,13 @@ IBISString resolve(const IBISModelSelector& selector, const Selections& selectio
 
 }  // namespace
 
-void readModelSelector(IBISFile& file, IBISRecords records, std::int32_t& index) {
-  IBISModelSelector& selector = file.data().modelSelectors.emplace_back();
+void readModelSelector(IBISFileData& file, IBISRecords records, std::int32_t& index) {
+  IBISModelSelector& selector = file.modelSelectors.emplace_back();
   selector.name = keywordText(recordAt(records, index));
   std::string_view text;
   while (nextDataLine(records, index, text)) {
     const IBISString model = popToken(text);
-    selector.rows.push_back({model, withoutQuotes(trimBlanks(text), file.data().strings)});
+    selector.rows.push_back({model, withoutQuotes(trimBlanks(text), file.strings)});
   }
 }
 
@@ -57,37 +57,30 @@ IBISString resolveSelector(const IBISModelSelector& selector,
 }
 
 ModelFinder::ModelFinder(const IBISFileData& file) {
-  for (const auto& model : file.models) {
-    if (models_.contains(model->name)) continue;
-    models_.add(model->name);
-    modelPlaces_.push_back(model.get());
-  }
+  for (const auto& model : file.models) models_.add(model->name, model.get());
   const Selections selections = indexOf(file.modelSelections);
   for (const IBISModelSelector& selector : file.modelSelectors) {
-    const auto place = static_cast<std::size_t>(selectors_.findOrAdd(selector.name));
-    if (place == selectedNames_.size()) selectedNames_.emplace_back();
-    selectedNames_[place] = resolve(selector, selections);
+    selectedNames_[selector.name] = resolve(selector, selections);
   }
 }
 
 IBISModel* ModelFinder::find(std::string_view name) const {
-  const std::int32_t selector = selectors_.find(name);
-  if (selector != selectors_.absent) name = selectedNames_[static_cast<std::size_t>(selector)];
-  const std::int32_t model = models_.find(name);
-  return model == models_.absent ? nullptr : modelPlaces_[static_cast<std::size_t>(model)];
+  const IBISString* selected = selectedNames_.find(name);
+  IBISModel* const* model = models_.find(selected != nullptr ? selected->view() : name);
+  return model == nullptr ? nullptr : *model;
 }
 
-IBISModel* findModel(const IBISFile& file, std::string_view name) {
-  return ModelFinder(file.data()).find(name);
+IBISModel* findModel(const IBISFileData& file, std::string_view name) {
+  return ModelFinder(file).find(name);
 }
 
-void checkUserSelectors(IBISFile& file, IBISErrorHandler& errors) {
-  if (file.data().modelSelections.empty()) return;
+void checkUserSelectors(const IBISFileData& file, IBISErrorHandler& errors) {
+  if (file.modelSelections.empty()) return;
   NameIndex<ExactCase> descriptions;
-  for (const IBISModelSelector& selector : file.data().modelSelectors) {
+  for (const IBISModelSelector& selector : file.modelSelectors) {
     for (const IBISModelSelectorRow& row : selector.rows) descriptions.findOrAdd(row.description);
   }
-  for (IBISString selection : file.data().modelSelections) {
+  for (IBISString selection : file.modelSelections) {
     if (descriptions.contains(selection)) continue;
     errors.error(message::selectorNotFound, selection.str().c_str());
   }

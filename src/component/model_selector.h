@@ -1,13 +1,14 @@
 #pragma once
 
-#include "reader/file/file.h"
+#include "host/diagnostics/error_handler.h"
+#include "ibis/file.h"
 #include "reader/scanner.h"
 #include "reader/text/name_index.h"
 
 namespace ibis {
 
 /// Appends the [Model Selector] at the index to the file; the index is left on its last row.
-void readModelSelector(IBISFile& file, IBISRecords records, std::int32_t& index);
+void readModelSelector(IBISFileData& file, IBISRecords records, std::int32_t& index);
 
 /// The model that a selector stands for, given the user's choices in the order of preference.
 ///
@@ -26,16 +27,14 @@ class ModelFinder {
   IBISModel* find(std::string_view name) const;
 
  private:
-  NameIndex<ExactCase> models_;
-  std::vector<IBISModel*> modelPlaces_;
-  NameIndex<ExactCase> selectors_;
-  std::vector<IBISString> selectedNames_;  // of the last selector of each name
+  NameMap<ExactCase, IBISModel*> models_;
+  NameMap<ExactCase, IBISString> selectedNames_;  // of the last selector of each name
 };
 
 /// ModelFinder::find for one name.
-IBISModel* findModel(const IBISFile& file, std::string_view name);
+IBISModel* findModel(const IBISFileData& file, std::string_view name);
 
 /// Reports each of the user's choices that no row of any selector describes.
-void checkUserSelectors(IBISFile& file, IBISErrorHandler& errors);
+void checkUserSelectors(const IBISFileData& file, IBISErrorHandler& errors);
 
 }  // namespace ibis

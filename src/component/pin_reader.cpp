@@ -1,5 +1,8 @@
 #include "component/pin_reader.h"
 
+#include "component/names/name_table.h"
+#include "model/numbers/numbers.h"
+
 namespace ibis {
 namespace {
 
@@ -32,8 +35,8 @@ void readRow(IBISPin& pin, IBISComponent& component, const std::vector<std::int3
   pin.name = fields.at(0);
   const IBISString signal = row.token(signalName);
   pin.model_name = row.token(modelName);
-  pin.signal_name = component.nameTable.makeUniqueName(signal);
-  pin.spiceName = component.nameTable.spiceName(pin.signal_name);
+  pin.signal_name = component.nameTable->makeUniqueName(signal);
+  pin.spiceName = component.nameTable->spiceName(pin.signal_name);
   pin.package = &component.packagesOfPins.front();
   // Reading a column lengthens the row up to it, so a header may count rows as complete.
   pin.hasOwnRLC = fields.size() >= ownRLCTokens;
@@ -41,6 +44,9 @@ void readRow(IBISPin& pin, IBISComponent& component, const std::vector<std::int3
   pin.ownR = row.value(resistance, pin.package->R_pkg);
   pin.ownL = row.value(inductance, pin.package->L_pkg);
   pin.ownC = row.value(capacitance, pin.package->C_pkg);
+  pin.missingR = isMissingValue(row.token(resistance));
+  pin.missingL = isMissingValue(row.token(inductance));
+  pin.missingC = isMissingValue(row.token(capacitance));
 }
 
 std::int32_t findLast(const Fields& tokens, std::string_view name) {
@@ -67,10 +73,11 @@ void readPins(IBISComponent& component, IBISRecords records, std::int32_t& index
   const std::vector<std::int32_t> columns =
       mapColumns(recordAt(records, index).text(), columnNames);
   component.packagesOfPins.push_front(component.package);
+  if (!component.nameTable) component.nameTable = std::make_shared<IBISNameTable>();
   if (component.pins.empty()) {
     const auto rows = static_cast<std::size_t>(countDataLines(records, index));
     component.pins.reserve(rows);
-    component.nameTable.reserve(rows);
+    component.nameTable->reserve(rows);
   }
   Fields fields;
   std::string_view text;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "host/diagnostics/messages.h"
+#include "model/numbers/numbers.h"
 #include "reader/text/merge_sort.h"
 
 namespace ibis {
@@ -23,14 +24,13 @@ class EntryBuilder {
   EntryBuilder(IBISComponent& component, const PinFilter& filter, IBISErrorHandler& errors)
       : component_(component), filter_(filter), errors_(errors) {}
 
-  // Gives the number of pairs.
+  // Returns the number of pairs.
   std::size_t addEntries() {
     markPairedNames();
     indexPins();
     addPairs();
     const std::size_t pairs = component_.pinEntries.size();
-    pinsByName_ = NameIndex<ExactCase>();  // as large as the entries that follow
-    firstPins_ = std::vector<const IBISPin*>();
+    pinsByName_ = {};  // as large as the entries that follow
     addSingles();
     return pairs;
   }
@@ -39,23 +39,17 @@ class EntryBuilder {
   // Names in [Diff Pin] rows count as paired whether or not their row is valid.
   void markPairedNames() {
     for (const IBISDiffPin& row : component_.diffPins) {
-      setPaired(row.pin, true);
-      setPaired(row.inv_pin, true);
+      isPaired_[row.pin] = true;
+      isPaired_[row.inv_pin] = true;
     }
   }
 
   void indexPins() {
     pinsByName_.reserve(component_.pins.size());
-    firstPins_.reserve(component_.pins.size());
     for (const IBISPin& pin : component_.pins) {
-      const std::int32_t place = pinsByName_.find(pin.name);
-      if (place == pinsByName_.absent) {
-        pinsByName_.add(pin.name);
-        firstPins_.push_back(&pin);
-      } else {
-        errors_.error(message::duplicatePin, pin.line, pin.name.str().c_str(),
-                      firstPins_[static_cast<std::size_t>(place)]->line);
-      }
+      if (pinsByName_.add(pin.name, &pin)) continue;
+      errors_.error(message::duplicatePin, pin.line, pin.name.str().c_str(),
+                    findPin(pin.name)->line);
     }
   }
 
@@ -78,8 +72,8 @@ class EntryBuilder {
   }
 
   const IBISPin* findPin(std::string_view name) const {
-    const std::int32_t place = pinsByName_.find(name);
-    return place == pinsByName_.absent ? nullptr : firstPins_[static_cast<std::size_t>(place)];
+    const IBISPin* const* pin = pinsByName_.find(name);
+    return pin == nullptr ? nullptr : *pin;
   }
 
   void reportMissingPins(const IBISDiffPin& row, const IBISPin* pin, const IBISPin* inverted) {
@@ -100,7 +94,11 @@ class EntryBuilder {
     } else if (filter_.wants(row.pin) || filter_.wants(row.inv_pin)) {
       useModel(*pin.model);
       useModel(*inverted.model);
-      component_.pinEntries.push_back({&pin, &inverted, pin.model, inverted.model, &row});
+      component_.pinEntries.push_back({.pin = &pin,
+                                       .invertedPin = &inverted,
+                                       .model = pin.model,
+                                       .invertedModel = inverted.model,
+                                       .diffPin = &row});
     }
   }
 
@@ -110,8 +108,8 @@ class EntryBuilder {
       errors_.warning(message::diffPinModelsDiffer, row.line, row.pin.str().c_str(),
                       row.inv_pin.str().c_str());
     }
-    setPaired(row.pin, false);
-    setPaired(row.inv_pin, false);
+    isPaired_[row.pin] = false;
+    isPaired_[row.inv_pin] = false;
   }
 
   void useModel(IBISModel& model) {
@@ -120,24 +118,16 @@ class EntryBuilder {
     component_.models.push_back(&model);
   }
 
-  void setPaired(std::string_view name, bool isPaired) {
-    const auto place = static_cast<std::size_t>(pairedNames_.findOrAdd(name));
-    if (place == paired_.size()) paired_.push_back(false);
-    paired_[place] = isPaired;
-  }
-
   bool isPaired(std::string_view name) const {
-    const std::int32_t place = pairedNames_.find(name);
-    return place != pairedNames_.absent && paired_[static_cast<std::size_t>(place)];
+    const char* paired = isPaired_.find(name);
+    return paired != nullptr && *paired != 0;
   }
 
   IBISComponent& component_;
   const PinFilter& filter_;
   IBISErrorHandler& errors_;
-  NameIndex<ExactCase> pinsByName_;
-  std::vector<const IBISPin*> firstPins_;
-  NameIndex<ExactCase> pairedNames_;
-  std::vector<bool> paired_;
+  NameMap<ExactCase, const IBISPin*> pinsByName_;  // the first of each name
+  NameMap<ExactCase, char> isPaired_;              // 0 for a name of a pair that was separated
   NameIndex<ExactCase> usedModels_;
 };
 

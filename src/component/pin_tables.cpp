@@ -1,6 +1,7 @@
 #include "component/pin_tables.h"
 
 #include "component/pin_reader.h"
+#include "model/numbers/numbers.h"
 
 namespace ibis {
 namespace {

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <exception>
+#include <utility>
 
 #include "host/diagnostics/format_message.h"
 #include "host/diagnostics/messages.h"
@@ -80,44 +81,71 @@ void fillResult(const IBISFileData& file, const YString& rootDirectory, FuncResu
   strings.add(rootDirectory.copy());
   strings.add(YString(static_cast<std::int32_t>(file.warnings.size())).detach());
   strings.add(YString(static_cast<std::int32_t>(file.errors.size())).detach());
-  for (const std::string& text : file.warnings) strings.add(duplicateText(text.c_str()));
-  for (const std::string& text : file.errors) strings.add(duplicateText(text.c_str()));
+  for (const auto* list : {&file.warnings, &file.errors}) {
+    for (const Diagnostic& each : *list) strings.add(duplicateText(messageText(each).c_str()));
+  }
   strings.handOver(result);
+}
+
+// For when there is no memory for all that was found.
+void fillFailure(const char* reason, const YString& rootDirectory, FuncResultMinimal& result) {
+  HeapStrings strings(fixedSlots + 1);
+  strings.add(duplicateText("2"));
+  strings.add(rootDirectory.copy());
+  for (const char* text : {"0", "1"}) strings.add(duplicateText(text));
+  const Diagnostic failure = makeDiagnostic(Severity::error, message::loadFailed, reason);
+  strings.add(duplicateText(messageText(failure).c_str()));
+  strings.handOver(result);
+}
+
+// Does the work; for whatever it throws but the host family's own, tells the reason.
+template <class Work, class Report>
+void guard(Work work, Report report) {
+  try {
+    work();
+  } catch (const KelvrantException&) {
+    throw;
+  } catch (const std::exception& fault) {
+    report(fault.what());
+  } catch (...) {
+    report("unknown exception");
+  }
 }
 
 // A failure of the program is one more error of the load, beside what was found until then.
-void runLoad(const FuncArgsMinimal& arguments, FuncResultMinimal& result) {
-  LoadRequest request = takeRequest(arguments);
-  const YString rootDirectory = request.rootDirectory.c_str();
+void runLoad(LoadRequest request, const YString& rootDirectory, FuncResultMinimal& result) {
   Load load(std::move(request));
-  try {
-    load.read();
-    load.write();
-  } catch (const std::exception& fault) {
-    load.file().error(message::loadFailed, fault.what());
-  }
-  fillResult(load.file().data(), rootDirectory, result);
+  const auto addFailure = [&](const char* reason) {
+    load.file().error(message::loadFailed, reason);
+  };
+  const auto fill = [&] { fillResult(load.file().data(), rootDirectory, result); };
+  guard(
+      [&] {
+        load.read();
+        load.write();
+      },
+      addFailure);
+  guard(fill, [&](const char* reason) {
+    addFailure(reason);
+    fill();
+  });
 }
 
-// For a failure that came before there was a file to hold it, or after it was to be reported.
-void reportFailure(const char* reason, FuncResultMinimal& result) {
-  HeapStrings strings(fixedSlots + 1);
-  for (const char* text : {"2", "", "0", "1"}) strings.add(duplicateText(text));
-  strings.add(duplicateText(formatMessage(message::loadFailed, reason).c_str()));
-  strings.handOver(result);
-}
-
-// Without memory even for that the host gets a result without strings.
+// Without memory even for a failure the host gets a result without strings.
 void loadOrReport(const FuncArgsMinimal& arguments, FuncResultMinimal& result) {
-  try {
-    try {
-      runLoad(arguments, result);
-    } catch (const std::exception& fault) {
-      reportFailure(fault.what(), result);
-    }
-  } catch (const std::exception&) {
-    return;
-  }
+  const auto nothing = [](const char*) {};
+  guard(
+      [&] {
+        YString rootDirectory;
+        guard(
+            [&] {
+              LoadRequest request = takeRequest(arguments);
+              rootDirectory = request.rootDirectory.c_str();
+              runLoad(std::move(request), rootDirectory, result);
+            },
+            [&](const char* reason) { fillFailure(reason, rootDirectory, result); });
+      },
+      nothing);
 }
 
 // The host waits for the end of every call, also of one that an exception leaves.

@@ -1,38 +1,15 @@
 #include "host/load_sequence.h"
 
 #include "host/diagnostics/messages.h"
-#include "output/embedded_templates.h"
-#include "output/template_engine.h"
+#include "output/outputs.h"
+#include "output/stream/file_sink.h"
 #include "reader/file/parser.h"
 #include "support/files.h"
 
 namespace ibis {
 namespace {
 
-constexpr std::size_t longestSelection = 255;
-
-// text of the mode, number, templates in the order of expansion
-struct ModeRow {
-  std::string_view text;
-  OutputMode mode;
-  std::string_view templates[2];
-};
-
-constexpr ModeRow modes[] = {
-    {"", OutputMode::model, {"component.tmpl", "info.tmpl"}},
-    {"script", OutputMode::script, {"script.tmpl"}},
-    {"model", OutputMode::model, {"component.tmpl", "info.tmpl"}},
-    // No such template exists: the mode passes every check and writes nothing.
-    {"symbol", OutputMode::symbol, {"symbol.tmpl"}},
-    {"package", OutputMode::package, {"package.tmpl"}},
-};
-
-const ModeRow* findMode(OutputMode mode) {
-  for (const ModeRow& row : modes) {
-    if (row.mode == mode) return &row;
-  }
-  return nullptr;
-}
+constexpr std::size_t maxSelection = 255;
 
 char unescaped(char c) {
   switch (c) {
@@ -53,18 +30,11 @@ char unescaped(char c) {
 
 }  // namespace
 
-OutputMode outputMode(std::string_view text) {
-  for (const ModeRow& row : modes) {
-    if (equalIgnoringCase(row.text, text)) return row.mode;
-  }
-  return OutputMode::unknown;
-}
-
 std::string withoutEscapes(std::string_view text) {
   std::string plain;
   bool escaped = false;
   for (const char c : text) {
-    if (plain.size() == longestSelection) break;
+    if (plain.size() == maxSelection) break;
     if (!escaped && c == '\\') {
       escaped = true;
       continue;
@@ -82,12 +52,14 @@ Load::Load(LoadRequest request)
       pinFilter_(request_.pins.begin(), request_.pins.end()) {}
 
 void Load::read() {
+  if (wasRead_) return;
+  wasRead_ = true;
   takeOptions();
   if (request_.source.empty()) {
     file_.error(message::cannotOpenSource, "");
     return;
   }
-  sourceWasRead_ = text_.loadFile(request_.source);
+  sourceWasRead_ = text_.loadFile(request_.source, fopen_s_utf8);
   if (sourceWasRead_) readSource();
   if (!component_.empty()) checkComponent();
   if (mode_ == OutputMode::unknown) file_.error(message::unknownMode);
@@ -127,22 +99,24 @@ const IBISComponent* Load::chosenComponent() const {
   return nullptr;
 }
 
-// One engine runs both templates: what the first opened or set is seen by the second.
 std::vector<std::string> Load::write() {
+  FileSink sink(fopen_s_utf8);
+  return write(sink);
+}
+
+std::vector<std::string> Load::write(Sink& sink) {
   const IBISComponent* component = chosenComponent();
-  const ModeRow* row = findMode(mode_);
-  if (file_.hasErrors() || component == nullptr || row == nullptr) return {};
-  TemplateEngine engine(file_.data(), component, request_.rootDirectory, file_);
+  const Output* output = findOutput(mode_);
+  if (file_.hasErrors() || component == nullptr || output == nullptr) return {};
+  TemplateEngine engine(file_.data(), component, request_.rootDirectory, file_, sink);
   try {
-    for (std::string_view name : row->templates) {
-      TextBuffer text;
-      if (loadEmbedded(text, name)) engine.expand(text);
-    }
+    output->write(*output, engine);
   } catch (...) {
     engine.abandonOutputFile();
     throw;
   }
-  engine.closeOutputFile();
+  engine.finish();
+  nonFiniteFiles_ = engine.nonFiniteFiles();
   return engine.generatedFiles();
 }
 

@@ -5,17 +5,12 @@
 #include <string_view>
 #include <vector>
 
+#include "output/outputs.h"
 #include "reader/file/file.h"
 #include "reader/scanner.h"
 #include "reader/text/text_buffer.h"
 
 namespace ibis {
-
-/// What a load writes.
-enum class OutputMode { script, model, symbol, package, unknown };
-
-/// The mode that a text names in any case; the empty text names `model`.
-OutputMode outputMode(std::string_view text);
 
 /// What a caller asks of one load.
 struct LoadRequest {
@@ -33,11 +28,14 @@ class Load {
  public:
   explicit Load(LoadRequest request);
 
-  /// Reads and checks the file; afterwards its errors tell whether anything may be written.
+  /// Reads and checks the file, once; afterwards its errors tell whether anything may be written.
   void read();
 
-  /// Writes the mode's files if no error stands, and gives the names of those that were opened.
+  /// Writes the mode's files if no error stands, and returns the names of those that were opened.
   std::vector<std::string> write();
+
+  /// The same into a sink.
+  std::vector<std::string> write(Sink& sink);
 
   IBISFile& file() { return file_; }
   const IBISFile& file() const { return file_; }
@@ -45,6 +43,9 @@ class Load {
 
   /// Whether the source could be opened and read whole.
   bool sourceWasRead() const { return sourceWasRead_; }
+
+  /// Names of the files written in which a number is not finite.
+  const std::vector<std::string>& nonFiniteFiles() const { return nonFiniteFiles_; }
 
   /// The component that write() writes: the last of the name, the file's first without a name.
   const IBISComponent* chosenComponent() const;
@@ -60,7 +61,9 @@ class Load {
   std::vector<IBISString> pinFilter_;
   TextBuffer text_;
   std::optional<IBISScanner> scanner_;  // keeps the lines that it wrote anew
+  bool wasRead_ = false;
   bool sourceWasRead_ = false;
+  std::vector<std::string> nonFiniteFiles_;
   IBISFile file_;
 };
 

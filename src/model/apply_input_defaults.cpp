@@ -13,22 +13,22 @@ void writeDefault(IBISModel& model, double threshold) {
 
 void applyTtlDefaults(IBISModel& model, const char* name, IBISErrorHandler& errors) {
   if (!model.vinl.present) {
-    errors.warning(message::vinlDefault, name);
+    errors.warning(message::vinlDefault, model.lineNumber, name);
     writeDefault(model, 0.8);
   }
   if (!model.vinh.present) {
-    errors.warning(message::vinhDefault, name);
+    errors.warning(message::vinhDefault, model.lineNumber, name);
     writeDefault(model, 2.0);
   }
 }
 
 void applyEclDefaults(IBISModel& model, const char* name, IBISErrorHandler& errors) {
   if (!model.vinl.present) {
-    errors.warning(message::vinlDefaultEcl, name);
+    errors.warning(message::vinlDefaultEcl, model.lineNumber, name);
     writeDefault(model, -1.475);
   }
   if (!model.vinh.present) {
-    errors.warning(message::vinhDefaultEcl, name);
+    errors.warning(message::vinhDefaultEcl, model.lineNumber, name);
     writeDefault(model, -1.165);
   }
 }
@@ -54,7 +54,7 @@ void applyInputDefaults(IBISModel& model, IBISErrorHandler& errors) {
       break;
   }
   if (model.vinhMinus.present && model.vinhPlus.present && model.vinlMinus.present) {
-    errors.warning(message::hysteresisNotSupported, name.c_str());
+    errors.warning(message::hysteresisNotSupported, model.lineNumber, name.c_str());
   }
 }
 

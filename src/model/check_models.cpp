@@ -42,19 +42,12 @@ bool checkModel(const IBISModel& model, IBISErrorHandler& errors) {
 
 }  // namespace
 
-void checkModels(std::span<IBISModel* const> models, IBISErrorHandler& errors,
-                 std::int32_t pointLimit) {
-  std::int64_t estimatedPoints = 0;
+void checkModels(std::span<IBISModel* const> models, IBISErrorHandler& errors) {
   for (IBISModel* model : models) {
     if (!checkModel(*model, errors) || isBuiltIn(model->type)) continue;
     resolveReferences(*model, errors);
     applyInputDefaults(*model, errors);
-    estimatedPoints += estimateWaveforms(*model, errors);
-    if (estimatedPoints > pointLimit) {
-      errors.error(message::tooManyEstimatedPoints, model->lineNumber, model->name.str().c_str(),
-                   pointLimit);
-      return;
-    }
+    estimateWaveforms(*model, errors);
     sortWaveforms(*model);
   }
 }

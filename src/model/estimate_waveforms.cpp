@@ -2,6 +2,8 @@
 
 #include <cmath>
 #include <limits>
+#include <span>
+#include <utility>
 
 #include "host/diagnostics/messages.h"
 #include "model/iv_table.h"
@@ -20,7 +22,6 @@ constexpr double sharpness = 30.0;
 constexpr double linearLimit = 50.0;
 constexpr double newtonTolerance = 1e-10;  // volts
 constexpr int newtonLimit = 10;
-constexpr std::int32_t mostTimePoints = 1'000'000;
 
 // Runs one Newton iteration for the offset of an operating point from 0.
 //
@@ -88,8 +89,27 @@ IBISWaveform* lastOfKind(std::vector<IBISWaveform>& list, std::int32_t kind) {
   return found;
 }
 
-void fillLastOfKind(std::vector<IBISWaveform>& list, std::int32_t kind, const EstimatedEdge& edge) {
-  if (IBISWaveform* waveform = lastOfKind(list, kind)) fillWaveform(*waveform, edge);
+YVector<double>& cornerList(IBISWaveform& waveform, int corner) {
+  return corner == corner::max ? waveform.max : corner == corner::min ? waveform.min : waveform.typ;
+}
+
+IBISOptional& cornerFixture(IBISWaveform& waveform, int corner) {
+  return corner == corner::max   ? waveform.vFixtureMax
+         : corner == corner::min ? waveform.vFixtureMin
+                                 : waveform.vFixture;
+}
+
+void setFixture(IBISWaveform& waveform, const EstimatedEdge& edge) {
+  waveform.rFixture = {.present = true, .value = edge.load};
+  cornerFixture(waveform, edge.corner) = {.present = true, .value = edge.fixtureVoltage};
+}
+
+void giveEdge(std::vector<IBISWaveform>& list, std::int32_t kind, const EstimatedEdge& edge) {
+  IBISWaveform* waveform = lastOfKind(list, kind);
+  if (waveform == nullptr) return;
+  if (!waveform->estimate) waveform->estimate = std::make_shared<IBISEstimate>();
+  waveform->estimate->edges[edge.corner] = edge;
+  setFixture(*waveform, edge);
 }
 
 // The logarithm of cosh, whose own value would overflow far out.
@@ -112,58 +132,92 @@ Extremes extremesOf(const IBISTriple& triple) {
   return extremes;
 }
 
-std::int32_t countSteps(double t, double end, double step) {
+// When the points of an estimated waveform come.
+struct TimeAxis {
+  double start = 0.0;
+  double end = 0.0;
+  double step = 0.0;
+
+  bool hasSteps() const { return step > 0.0 && std::isfinite(step); }
+  bool hasZero() const { return start > 0.0; }  // ahead of the start
+};
+
+TimeAxis timeAxis(bool noDelay, const IBISTriple& rampTime) {
+  const auto [tMin, tMax] = extremesOf(rampTime);
+  const double factor = noDelay ? 0.0 : delayFactor;
+  const double step = tMin / pointsPerRamp;
+  return {.start = tMin * factor, .end = step + tMax * (factor + spanFactor), .step = step};
+}
+
+// Calls take(t) for each step, which is added up as it always was, but no more than limit times.
+template <class Take>
+void forEachStep(const TimeAxis& axis, std::int32_t limit, Take take) {
   std::int32_t count = 0;
-  for (; t < end && count <= mostTimePoints; t += step) ++count;
-  return count;
+  for (double t = axis.start; t < axis.end && count < limit; t += axis.step, ++count) take(t);
 }
 
-YVector<double>& cornerList(IBISWaveform& waveform, int corner) {
-  return corner == corner::max ? waveform.max : corner == corner::min ? waveform.min : waveform.typ;
-}
-
-IBISOptional& cornerFixture(IBISWaveform& waveform, int corner) {
-  return corner == corner::max   ? waveform.vFixtureMax
-         : corner == corner::min ? waveform.vFixtureMin
-                                 : waveform.vFixture;
-}
-
-std::int64_t countPoints(const std::vector<IBISWaveform>& list) {
-  std::int64_t count = 0;
-  for (const IBISWaveform& waveform : list) count += waveform.time.size();
-  return count;
+// A sum of a million steps is off by far less than one of them, so a division tells where the
+// limit is near enough to be counted.
+bool isTooLong(const TimeAxis& axis) {
+  constexpr double margin = 2.0;
+  const std::int32_t limit = maxTimePoints - (axis.hasZero() ? 1 : 0);
+  const double steps = (axis.end - axis.start) / axis.step;
+  if (!(steps > limit - margin)) return false;
+  if (steps > limit + margin) return true;
+  std::int32_t count = 0;
+  forEachStep(axis, maxTimePoints + 1, [&](double) { ++count; });
+  return count > limit;
 }
 
 void addWaveform(std::vector<IBISWaveform>& list, std::int32_t kind, bool noDelay,
                  const IBISTriple& rampTime) {
   IBISWaveform& waveform = list.emplace_back();
   waveform.present = true;
-  buildTimePoints(waveform, kind, noDelay, rampTime);
+  waveform.kind = kind;
+  waveform.estimate = std::make_shared<IBISEstimate>();
+  waveform.estimate->noDelay = noDelay;
+  waveform.estimate->rampTime = rampTime;
 }
 
 }  // namespace
 
 void buildTimePoints(IBISWaveform& waveform, std::int32_t kind, bool noDelay,
                      const IBISTriple& rampTime) {
-  const auto [tMin, tMax] = extremesOf(rampTime);
-  const double factor = noDelay ? 0.0 : delayFactor;
-  const double step = tMin / pointsPerRamp;
-  double t = tMin * factor;
-  const double end = step + tMax * (factor + spanFactor);
+  const TimeAxis axis = timeAxis(noDelay, rampTime);
   waveform.kind = kind;
-  if (t > 0.0) waveform.time.append(0.0);
-  if (!(step > 0.0) || !std::isfinite(step)) return;
-  const std::int32_t count = waveform.time.size() + countSteps(t, end, step);
-  if (count > mostTimePoints) return;
-  waveform.time.reserve(static_cast<std::size_t>(count));
-  for (; t < end; t += step) waveform.time.append(t);
+  if (axis.hasZero()) waveform.time.append(0.0);
+  if (!axis.hasSteps() || isTooLong(axis)) return;
+  forEachStep(axis, maxTimePoints, [&](double t) { waveform.time.append(t); });
+}
+
+YVector<double> estimatedTimes(const IBISEstimate& estimate) {
+  IBISWaveform waveform;
+  buildTimePoints(waveform, waveform.kind, estimate.noDelay, estimate.rampTime);
+  return std::move(waveform.time);
+}
+
+bool hasTooManyPoints(const IBISWaveform& waveform) {
+  if (!waveform.estimate) return false;
+  const TimeAxis axis = timeAxis(waveform.estimate->noDelay, waveform.estimate->rampTime);
+  return axis.hasSteps() && isTooLong(axis);
+}
+
+IBISWaveform withPoints(const IBISWaveform& waveform, int corners) {
+  IBISWaveform filled = waveform;
+  if (!waveform.estimate) return filled;
+  filled.estimate = nullptr;
+  filled.time = estimatedTimes(*waveform.estimate);
+  const std::span<const EstimatedEdge> edges(waveform.estimate->edges);
+  for (const EstimatedEdge& edge : edges.first(static_cast<std::size_t>(corners))) {
+    fillWaveform(filled, edge);
+  }
+  return filled;
 }
 
 void fillWaveform(IBISWaveform& waveform, const EstimatedEdge& edge) {
   YVector<double>& values = cornerList(waveform, edge.corner);
   values.clear();
   values.reserve(static_cast<std::size_t>(waveform.time.size()));
-  waveform.rFixture = {true, edge.load};
   const double full = edge.duration / bandFraction * extent;
   const double a = edge.vStart;
   const double b = edge.vEnd;
@@ -175,7 +229,7 @@ void fillWaveform(IBISWaveform& waveform, const EstimatedEdge& edge) {
     const double q = logCosh((s - b) * k);
     values.append(((p - q) / k + (a + b)) * 0.5);
   }
-  cornerFixture(waveform, edge.corner) = {true, edge.fixtureVoltage};
+  setFixture(waveform, edge);
 }
 
 void solveCorner(IBISModel& model, int corner) {
@@ -189,24 +243,49 @@ void solveCorner(IBISModel& model, int corner) {
   const double vLowPwr = line.low(supply);
   const double rise = model.rampDtRise.at(corner);
   const double fall = model.rampDtFall.at(corner);
-  fillLastOfKind(model.risingWaveforms, 0,
-                 {rise, rise / bandFraction, vLowGnd, vHighGnd, load, ground, corner});
-  fillLastOfKind(model.risingWaveforms, 1, {rise, 0.0, vLowPwr, vHighPwr, load, supply, corner});
-  fillLastOfKind(model.fallingWaveforms, 0, {fall, 0.0, vHighGnd, vLowGnd, load, ground, corner});
-  fillLastOfKind(model.fallingWaveforms, 1,
-                 {fall, fall / bandFraction, vHighPwr, vLowPwr, load, supply, corner});
+  giveEdge(model.risingWaveforms, 0,
+           {.duration = rise,
+            .delay = rise / bandFraction,
+            .vStart = vLowGnd,
+            .vEnd = vHighGnd,
+            .load = load,
+            .fixtureVoltage = ground,
+            .corner = corner});
+  giveEdge(model.risingWaveforms, 1,
+           {.duration = rise,
+            .delay = 0.0,
+            .vStart = vLowPwr,
+            .vEnd = vHighPwr,
+            .load = load,
+            .fixtureVoltage = supply,
+            .corner = corner});
+  giveEdge(model.fallingWaveforms, 0,
+           {.duration = fall,
+            .delay = 0.0,
+            .vStart = vHighGnd,
+            .vEnd = vLowGnd,
+            .load = load,
+            .fixtureVoltage = ground,
+            .corner = corner});
+  giveEdge(model.fallingWaveforms, 1,
+           {.duration = fall,
+            .delay = fall / bandFraction,
+            .vStart = vHighPwr,
+            .vEnd = vLowPwr,
+            .load = load,
+            .fixtureVoltage = supply,
+            .corner = corner});
 }
 
-std::int64_t estimateWaveforms(IBISModel& model, IBISErrorHandler& errors) {
-  if (!hasOutput(model.type)) return 0;
-  if (!model.risingWaveforms.empty() || !model.fallingWaveforms.empty()) return 0;
-  errors.warning(message::waveformsEstimated, model.name.str().c_str());
+void estimateWaveforms(IBISModel& model, IBISErrorHandler& errors) {
+  if (!hasOutput(model.type)) return;
+  if (!model.risingWaveforms.empty() || !model.fallingWaveforms.empty()) return;
+  errors.warning(message::waveformsEstimated, model.lineNumber, model.name.str().c_str());
   addWaveform(model.risingWaveforms, 0, false, model.rampDtRise);
   addWaveform(model.risingWaveforms, 1, true, model.rampDtRise);
   addWaveform(model.fallingWaveforms, 0, true, model.rampDtFall);
   addWaveform(model.fallingWaveforms, 1, false, model.rampDtFall);
   for (int corner = 0; corner < corner::count; ++corner) solveCorner(model, corner);
-  return countPoints(model.risingWaveforms) + countPoints(model.fallingWaveforms);
 }
 
 }  // namespace ibis

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "host/diagnostics/messages.h"
+#include "model/numbers/numbers.h"
 
 namespace ibis {
 namespace {
@@ -36,11 +37,13 @@ bool dropBreakingPoints(IBISTable& table) {
       continue;
     }
     for (YVector<double>* list : allLists(table)) list->at(kept) = list->at(i);
+    if (kept != i) table.missing.set(kept, table.missing.row(i));
     ++kept;
   }
   table.ordered[descends] = kept;
   if (kept >= count) return false;
   for (YVector<double>* list : allLists(table)) list->shorten(kept);
+  table.missing.shorten(kept);
   return true;
 }
 
@@ -52,6 +55,7 @@ void appendRows(IBISTable& table, IBISRecords records, std::int32_t& cursor) {
   std::string_view text;
   while (nextDataLine(records, cursor, text)) {
     const CornerRow row = readCornerRow(text, notAvailable);
+    table.missing.set(table.voltage.size(), row.missing);
     table.voltage.append(row.x);
     table.typ.append(row.typ);
     table.min.append(row.min);

@@ -4,6 +4,7 @@
 
 #include "host/diagnostics/messages.h"
 #include "model/iv_table.h"
+#include "model/numbers/numbers.h"
 #include "model/waveform.h"
 
 namespace ibis {
@@ -229,15 +230,6 @@ class SectionReader {
 };
 
 }  // namespace
-
-IBISString popToken(std::string_view& line) {
-  const std::size_t begin = std::min(line.find_first_not_of(delimiters::blanks), line.size());
-  line.remove_prefix(begin);
-  const std::size_t end = std::min(line.find_first_of(delimiters::blanksAndEqual), line.size());
-  const std::string_view token = line.substr(0, end);
-  line.remove_prefix(std::min(end + 1, line.size()));
-  return token;
-}
 
 void readModelSubParameters(IBISModel& model, IBISRecords records, std::int32_t& cursor,
                             IBISNameTable& nameTable, IBISErrorHandler& errors) {

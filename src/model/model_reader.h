@@ -27,7 +27,4 @@ enum class SeriesState { on, off, notGiven };
 void readSeriesMosfet(IBISModel& model, IBISRecords records, std::int32_t& cursor,
                       SeriesState state, IBISErrorHandler& errors);
 
-/// Takes the first word off a line; the one separator behind it goes too, the rest stays.
-IBISString popToken(std::string_view& line);
-
 }  // namespace ibis

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <initializer_list>
 
+#include "reader/vocabulary.h"
+
 namespace ibis {
 namespace {
 

@@ -25,19 +25,19 @@ bool isUnreferenced(const IBISTable& table, const IBISTriple& reference) {
 bool reportUnreferenced(const IBISModel& model, const char* name, IBISErrorHandler& errors) {
   bool isComplete = true;
   if (isUnreferenced(model.pulldown, model.pulldownReference)) {
-    errors.error(message::pulldownReferenceMissing, name);
+    errors.error(message::pulldownReferenceMissing, model.lineNumber, name);
     isComplete = false;
   }
   if (isUnreferenced(model.pullup, model.pullupReference)) {
-    errors.error(message::pullupReferenceMissing, name);
+    errors.error(message::pullupReferenceMissing, model.lineNumber, name);
     isComplete = false;
   }
   if (isUnreferenced(model.gndClamp, model.gndClampReference)) {
-    errors.error(message::gndClampReferenceMissing, name);
+    errors.error(message::gndClampReferenceMissing, model.lineNumber, name);
     isComplete = false;
   }
   if (isUnreferenced(model.powerClamp, model.powerClampReference)) {
-    errors.error(message::powerClampReferenceMissing, name);
+    errors.error(message::powerClampReferenceMissing, model.lineNumber, name);
     isComplete = false;
   }
   return isComplete;
@@ -54,10 +54,10 @@ bool resolveReferences(IBISModel& model, IBISErrorHandler& errors) {
   const bool isComplete =
       model.voltageRange.present || reportUnreferenced(model, name.c_str(), errors);
   if (!sameCorners(model.pullupReference, model.powerClampReference)) {
-    errors.error(message::pullupReferenceDiffers, name.c_str());
+    errors.error(message::pullupReferenceDiffers, model.lineNumber, name.c_str());
   }
   if (!sameCorners(model.pulldownReference, model.gndClampReference)) {
-    errors.error(message::pulldownReferenceDiffers, name.c_str());
+    errors.error(message::pulldownReferenceDiffers, model.lineNumber, name.c_str());
   }
   return isComplete;
 }

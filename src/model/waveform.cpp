@@ -1,6 +1,7 @@
 #include "model/waveform.h"
 
 #include "model/model_types.h"
+#include "model/numbers/numbers.h"
 
 namespace ibis {
 namespace {
@@ -27,7 +28,9 @@ constexpr FixtureField fixtureFields[] = {
 
 void setFixtureValue(IBISWaveform& waveform, std::int32_t id, std::string_view text) {
   for (const FixtureField& field : fixtureFields) {
-    if (field.id == id) waveform.*field.value = {true, parseNumber(text, 0.0)};
+    if (field.id != id) continue;
+    waveform.*field.value = {
+        .present = true, .value = parseNumber(text, 0.0), .isNA = text == notAvailable};
   }
 }
 
@@ -53,6 +56,7 @@ void readRows(IBISWaveform& waveform, IBISRecords records, std::int32_t& cursor)
   std::string_view text;
   while (nextDataLine(records, cursor, text)) {
     const CornerRow row = readCornerRow(text, {});
+    waveform.missing.set(waveform.time.size(), row.missing);
     waveform.time.append(row.x);
     waveform.typ.append(row.typ);
     waveform.min.append(row.min);
@@ -62,9 +66,11 @@ void readRows(IBISWaveform& waveform, IBISRecords records, std::int32_t& cursor)
 
 void readRampLine(IBISTriple& swing, IBISTriple& time, std::string_view text) {
   const auto next = [&] { return takeField(text, delimiters::blanksAndEqual); };
-  readRatio(next(), swing.typ, time.typ, 0.0, 0.0);
-  readRatio(next(), swing.min, time.min, swing.typ, time.typ);
-  readRatio(next(), swing.max, time.max, swing.typ, time.typ);
+  MissingCorners missing;
+  if (!readRatio(next(), swing.typ, time.typ, 0.0, 0.0)) missing.set(corner::typ);
+  if (!readRatio(next(), swing.min, time.min, swing.typ, time.typ)) missing.set(corner::min);
+  if (!readRatio(next(), swing.max, time.max, swing.typ, time.typ)) missing.set(corner::max);
+  swing.missing = time.missing = missing;
 }
 
 void addFirst(WaveformSelection& selection, const std::vector<IBISWaveform>& list,
@@ -93,7 +99,9 @@ void readRamp(IBISModel& model, IBISRecords records, std::int32_t& cursor) {
     } else if (word == "dV/dt_f") {
       readRampLine(model.rampDvFall, model.rampDtFall, text);
     } else if (word == "R_load") {
-      model.rLoad = {true, parseNumber(takeField(text, delimiters::blanksAndEqual), usualLoad)};
+      const std::string_view value = takeField(text, delimiters::blanksAndEqual);
+      model.rLoad = {
+          .present = true, .value = parseNumber(value, usualLoad), .isNA = value == notAvailable};
     }
   }
 }

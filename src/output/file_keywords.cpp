@@ -3,13 +3,15 @@
 #include <algorithm>
 
 #include "output/output_run.h"
+#include "output/outputs.h"
 #include "package/netlist/netlist.h"
 #include "reader/text/name_index.h"
+#include "reader/vocabulary.h"
 
 namespace ibis {
 namespace {
 
-constexpr std::int32_t longestPadding = 255;
+constexpr std::int32_t maxPadding = 255;
 
 bool writeText(OutputStream* out, const KeywordPosition& position, std::string_view text) {
   if (out == nullptr) return false;
@@ -38,7 +40,7 @@ bool writeLines(OutputStream* out, const KeywordPosition& position,
     if (!isFirst) out->write('\n');
     out->write(prefix);
     if (isFirst) {
-      out->writeBlanks(std::min(static_cast<std::int32_t>(heading.size()), longestPadding));
+      out->writeBlanks(std::min(static_cast<std::int32_t>(heading.size()), maxPadding));
     }
     out->write(line);
     isFirst = false;
@@ -69,19 +71,14 @@ std::string takeWord(TextBuffer& text) {
 // Names the nodes of a package model after the signals of the component's pins.
 struct PackageNodes {
   PackageNodes(const IBISPackageModel& model, const IBISComponent& component) {
-    NameIndex<ExactCase> pins;
-    std::vector<IBISString> signals;
-    for (const IBISPin& pin : component.pins) {
-      if (pins.contains(pin.name)) continue;
-      pins.add(pin.name);
-      signals.push_back(pin.signal_name);
-    }
+    NameMap<ExactCase, IBISString> signals;
+    for (const IBISPin& pin : component.pins) signals.add(pin.name, pin.signal_name);
     // A pin that the component lacks still needs a node, and no two of them the same one.
     std::int32_t missing = 0;
-    for (std::int32_t i = 0; i < model.pinNames.size(); ++i) {
-      const std::int32_t place = pins.find(model.pinNames.name(i));
-      names.push_back(place != pins.absent ? signals[static_cast<std::size_t>(place)].view()
-                                           : made.store("ERROR_" + std::to_string(++missing)));
+    for (const IBISString pin : model.pinNames) {
+      const IBISString* signal = signals.find(pin);
+      names.push_back(signal != nullptr ? signal->view()
+                                        : made.store("ERROR_" + std::to_string(++missing)));
     }
   }
 
@@ -93,12 +90,11 @@ struct PackageNodes {
 
 bool openFile(OutputRun& run, OutputStream*, const KeywordPosition&, TextBuffer& text,
               const KeywordArguments&) {
-  std::string name = takeWord(text);
-  name = replaceFirst(std::move(name), "%subcktname%", run.file().userSubcircuitName);
-  name = replaceFirst(std::move(name), "%spicecomponentname%",
-                      componentText(run, &IBISComponent::spiceName));
-  name = replaceFirst(std::move(name), "%rootdir%", run.rootDirectory());
-  run.openOutputFile(name);
+  const OutputPlace place{
+      .rootDirectory = run.rootDirectory(),
+      .subcircuit = run.file().userSubcircuitName.str(),
+      .spiceComponentName = std::string(componentText(run, &IBISComponent::spiceName))};
+  run.openOutputFile(fileName(takeWord(text), place));
   return true;
 }
 

@@ -2,6 +2,7 @@
 #include <cmath>
 #include <limits>
 
+#include "model/estimate_waveforms.h"
 #include "model/strings/data_strings.h"
 #include "model/waveform.h"
 #include "output/loop_keywords.h"
@@ -9,9 +10,6 @@
 
 namespace ibis {
 namespace {
-
-constexpr int valueDigits = 12;
-constexpr int shortDigits = 6;
 
 // Cut towards zero; what no 32-bit integer holds gives the smallest one.
 std::int32_t truncated(double value) {
@@ -41,6 +39,11 @@ const char* transitionText(std::int32_t transition) {
     default:
       return "unknown";
   }
+}
+
+template <class Object>
+LoopWord findValue(std::span<const LoopValueRow<Object>> values, std::string_view keyword) {
+  return findWord(values, std::span<const LoopConditionRow<Object>>(), keyword);
 }
 
 using ComponentValue = LoopValueRow<ForEachComponent>;
@@ -104,7 +107,12 @@ constexpr WaveformValue waveformValues[] = {
      }},
     {"spicepairs", true,
      [](const ForEachWaveform& loop, OutputStream& out, std::int32_t column) {
-       writeWaveformTypPairs(loop.waveform(), out, column);
+       const IBISWaveform& waveform = loop.waveform();
+       if (waveform.estimate) {
+         writeWaveformTypPairs(withPoints(waveform, 1), out, column);
+       } else {
+         writeWaveformTypPairs(waveform, out, column);
+       }
      }},
     {"spicemodelname", true,
      [](const ForEachWaveform& loop, OutputStream& out, std::int32_t) {
@@ -149,39 +157,39 @@ constexpr DiffPinValue diffPinValues[] = {
 
 }  // namespace
 
-bool ForEachComponent::value(std::string_view keywordText, OutputStream* out,
-                             const KeywordPosition& position, TextBuffer&) const {
-  return answerValue(std::span<const ComponentValue>(componentValues), *this, keywordText, out,
-                     position);
+LoopWord ForEachComponent::word(std::string_view keywordText) const {
+  return findValue(std::span<const ComponentValue>(componentValues), keywordText);
 }
 
-bool ForEachModelSelector::value(std::string_view keywordText, OutputStream* out,
-                                 const KeywordPosition& position, TextBuffer&) const {
-  return answerValue(std::span<const SelectorValue>(selectorValues), *this, keywordText, out,
-                     position);
+const void* ForEachComponent::kind() const { return &componentValues; }
+
+LoopWord ForEachModelSelector::word(std::string_view keywordText) const {
+  return findValue(std::span<const SelectorValue>(selectorValues), keywordText);
 }
 
-bool ForEachUserModelSelector::value(std::string_view keywordText, OutputStream* out,
-                                     const KeywordPosition& position, TextBuffer&) const {
-  return answerValue(std::span<const UserSelectorValue>(userSelectorValues), *this, keywordText,
-                     out, position);
+const void* ForEachModelSelector::kind() const { return &selectorValues; }
+
+LoopWord ForEachUserModelSelector::word(std::string_view keywordText) const {
+  return findValue(std::span<const UserSelectorValue>(userSelectorValues), keywordText);
 }
 
-bool ForEachWaveform::value(std::string_view keywordText, OutputStream* out,
-                            const KeywordPosition& position, TextBuffer&) const {
-  return answerValue(std::span<const WaveformValue>(waveformValues), *this, keywordText, out,
-                     position);
+const void* ForEachUserModelSelector::kind() const { return &userSelectorValues; }
+
+LoopWord ForEachWaveform::word(std::string_view keywordText) const {
+  return findValue(std::span<const WaveformValue>(waveformValues), keywordText);
 }
+
+const void* ForEachWaveform::kind() const { return &waveformValues; }
 
 const IBISWaveform& ForEachWaveform::waveform() const {
   const auto& list = transition == rising ? model.risingWaveforms : model.fallingWaveforms;
   return list[static_cast<std::size_t>(index)];
 }
 
-bool ForEachDiffPin::value(std::string_view keywordText, OutputStream* out,
-                           const KeywordPosition& position, TextBuffer&) const {
-  return answerValue(std::span<const DiffPinValue>(diffPinValues), *this, keywordText, out,
-                     position);
+LoopWord ForEachDiffPin::word(std::string_view keywordText) const {
+  return findValue(std::span<const DiffPinValue>(diffPinValues), keywordText);
 }
+
+const void* ForEachDiffPin::kind() const { return &diffPinValues; }
 
 }  // namespace ibis

@@ -23,28 +23,6 @@ bool addPinsOfTypes(LoopItems& items, const OutputRun& run,
   return true;
 }
 
-// Type texts of the file's models by name; a repeated name keeps its first model.
-class ModelTypeTexts {
- public:
-  explicit ModelTypeTexts(const IBISFileData& file) {
-    for (const auto& model : file.models) {
-      if (names_.contains(model->name)) continue;
-      names_.add(model->name);
-      types_.push_back(model->type);
-    }
-  }
-
-  std::string find(std::string_view name) const {
-    const std::int32_t place = names_.find(name);
-    if (place == names_.absent) return modelTypeRow(ModelType::unknown).name;
-    return typeText(types_[static_cast<std::size_t>(place)]);
-  }
-
- private:
-  NameIndex<ExactCase> names_;
-  std::vector<ModelType> types_;
-};
-
 void addWaveforms(LoopItems& items, const IBISModel& model, const std::vector<IBISWaveform>& list,
                   std::int32_t transition) {
   for (std::size_t i = 0; i < list.size(); ++i) {
@@ -137,10 +115,13 @@ bool forEachWaveform(OutputRun& run, LoopItems& items) {
 }
 
 bool forEachModelSelector(OutputRun& run, LoopItems& items) {
-  const ModelTypeTexts types(run.file());
+  NameMap<ExactCase, ModelType> types;  // a repeated name keeps its first model
+  for (const auto& model : run.file().models) types.add(model->name, model->type);
   for (const IBISModelSelector& selector : run.file().modelSelectors) {
     for (const IBISModelSelectorRow& row : selector.rows) {
-      items.append<ForEachModelSelector>(row, selector.name, types.find(row.modelName));
+      const ModelType* type = types.find(row.modelName);
+      items.append<ForEachModelSelector>(row, selector.name,
+                                         typeText(type != nullptr ? *type : ModelType::unknown));
     }
   }
   return true;

@@ -2,7 +2,7 @@
 
 #include <span>
 
-#include "model/numbers/numbers.h"
+#include "ibis/values.h"
 #include "output/loop_object.h"
 
 namespace ibis {
@@ -22,24 +22,34 @@ struct LoopConditionRow {
   bool (*holds)(const Object& object, const KeywordArguments& arguments);
 };
 
-/// The row of a keyword in either kind of table, or null.
-template <class Row>
-const Row* findRow(std::span<const Row> rows, std::string_view keyword) {
-  for (const Row& row : rows) {
-    if (row.keyword == keyword) return &row;
-  }
-  return nullptr;
-}
+/// Digits of the numbers in the output: of values, and of what is shown short.
+inline constexpr int valueDigits = 12;
+inline constexpr int shortDigits = 6;
 
-/// What ForEachObject::value does, from an object's table.
+/// What ForEachObject::word does, from an object's tables of values and conditions.
 template <class Object>
-bool answerValue(std::span<const LoopValueRow<Object>> rows, const Object& object,
-                 std::string_view keyword, OutputStream* out, const KeywordPosition& position) {
-  const LoopValueRow<Object>* row = findRow(rows, keyword);
-  if (out == nullptr || row == nullptr) return row != nullptr;
-  if (row->writesBlanks) out->writeBlanks(position.pendingSpaces);
-  row->write(object, *out, position.column);
-  return false;
+LoopWord findWord(std::span<const LoopValueRow<Object>> values,
+                  std::span<const LoopConditionRow<Object>> conditions, std::string_view keyword) {
+  for (const LoopValueRow<Object>& row : values) {
+    if (row.keyword != keyword) continue;
+    return {.row = &row,
+            .write = [](const void* found, const ForEachObject& object, OutputStream& out,
+                        const KeywordPosition& position) {
+              const auto& own = *static_cast<const LoopValueRow<Object>*>(found);
+              if (own.writesBlanks) out.writeBlanks(position.pendingSpaces);
+              own.write(static_cast<const Object&>(object), out, position.column);
+            }};
+  }
+  for (const LoopConditionRow<Object>& row : conditions) {
+    if (row.keyword != keyword) continue;
+    return {.row = &row,
+            .holds = [](const void* found, const ForEachObject& object,
+                        const KeywordArguments& arguments) {
+              const auto& own = *static_cast<const LoopConditionRow<Object>*>(found);
+              return own.holds(static_cast<const Object&>(object), arguments);
+            }};
+  }
+  return {};
 }
 
 /// A triple as "typ, min, max" at a number of digits.

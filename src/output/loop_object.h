@@ -23,26 +23,54 @@ struct KeywordPosition {
 /// A keyword's text cut at commas; item 0 is the keyword's name.
 using KeywordArguments = std::span<const IBISString>;
 
+class ForEachObject;
+
+/// What a keyword means to the objects of one kind: a value, a condition, or nothing.
+struct LoopWord {
+  using Write = void(const void* row, const ForEachObject& object, OutputStream& out,
+                     const KeywordPosition& position);
+  using Holds = bool(const void* row, const ForEachObject& object,
+                     const KeywordArguments& arguments);
+
+  const void* row = nullptr;  ///< Of the kind's table.
+  Write* write = nullptr;     ///< Of a value.
+  Holds* holds = nullptr;     ///< Of a condition.
+};
+
 /// One pass of a template loop: answers the keywords that mean something inside it.
 class ForEachObject {
  public:
   virtual ~ForEachObject() = default;
 
-  /// Without a stream, tells whether the keyword is known; with one, writes it and gives false.
-  virtual bool value(std::string_view keywordText, OutputStream* out,
-                     const KeywordPosition& position, TextBuffer& text) const = 0;
+  /// What a value's whole text or a condition's name means here; the same for all of a kind.
+  virtual LoopWord word(std::string_view keywordText) const = 0;
 
-  /// Whether the name is a condition here.
-  virtual bool isCondition(std::string_view) const { return false; }
-
-  /// What the condition says of the object.
-  virtual bool evaluate(std::string_view, const KeywordArguments&) const { return false; }
+  /// Tells objects of one kind from those of another.
+  virtual const void* kind() const = 0;
 
   /// Goes on to the next pass of an object that stands for several; false at its last.
   virtual bool next() { return false; }
 
   /// Goes back to the object's first pass.
   virtual void rewind() {}
+
+  /// Without a stream, tells whether the keyword is known; with one, writes it and returns false.
+  bool value(std::string_view keywordText, OutputStream* out, const KeywordPosition& position,
+             TextBuffer& /*text*/) const {
+    const LoopWord known = word(keywordText);
+    if (out == nullptr || known.write == nullptr) return known.write != nullptr;
+    known.write(known.row, *this, *out, position);
+    return false;
+  }
+
+  /// Whether the name is a condition here.
+  bool isCondition(std::string_view name) const { return word(name).holds != nullptr; }
+
+  /// What the condition says of the object.
+  bool evaluate(std::string_view name, const KeywordArguments& arguments) const {
+    const LoopWord known = word(name);
+    return known.holds != nullptr && known.holds(known.row, *this, arguments);
+  }
 
  private:
   friend class LoopItems;
@@ -59,8 +87,8 @@ class LoopItems {
 
   template <class Object, class... Arguments>
   void append(Arguments&&... arguments) {
-    void* place = memory_.allocate(sizeof(Object), alignof(Object));
-    ForEachObject* const item = new (place) Object(std::forward<Arguments>(arguments)...);
+    void* room = memory_.allocate(sizeof(Object), alignof(Object));
+    ForEachObject* const item = new (room) Object(std::forward<Arguments>(arguments)...);
     (last_ != nullptr ? last_->next_ : first_) = item;
     last_ = item;
   }

@@ -3,8 +3,8 @@
 #include <optional>
 
 #include "ibis/component.h"
+#include "ibis/file.h"
 #include "output/loop_object.h"
-#include "reader/file/file.h"
 
 namespace ibis {
 
@@ -13,10 +13,8 @@ namespace ibis {
 class ForEachModel final : public ForEachObject {
  public:
   explicit ForEachModel(const IBISModel& each) : model(each) {}
-  bool value(std::string_view keywordText, OutputStream* out, const KeywordPosition& position,
-             TextBuffer& text) const override;
-  bool isCondition(std::string_view name) const override;
-  bool evaluate(std::string_view name, const KeywordArguments& arguments) const override;
+  LoopWord word(std::string_view keywordText) const override;
+  const void* kind() const override;
 
   const IBISModel& model;
 };
@@ -29,10 +27,8 @@ class ForEachPin : public ForEachObject {
   /// A pin with all that an entry of a component says of it; the halves of a pair may be missing.
   ForEachPin(const IBISPinEntry& each, const IBISComponent& owner)
       : pin(each.pin), entry(&each), component(owner) {}
-  bool value(std::string_view keywordText, OutputStream* out, const KeywordPosition& position,
-             TextBuffer& text) const override;
-  bool isCondition(std::string_view name) const override;
-  bool evaluate(std::string_view name, const KeywordArguments& arguments) const override;
+  LoopWord word(std::string_view keywordText) const override;
+  const void* kind() const override;
 
   const IBISPin* pin;
   const IBISPinEntry* entry = nullptr;
@@ -64,19 +60,19 @@ class ForEachOfEntries final : public ForEachPin {
 
  private:
   static std::size_t find(const IBISComponent& owner, std::optional<ModelType> type,
-                          std::size_t place);
-  bool showFrom(std::size_t place);
+                          std::size_t index);
+  bool showFrom(std::size_t index);
 
   std::optional<ModelType> type_;
   Halves halves_;
-  std::size_t place_ = 0;
+  std::size_t index_ = 0;
 };
 
 class ForEachComponent final : public ForEachObject {
  public:
   explicit ForEachComponent(const IBISComponent& each) : component(each) {}
-  bool value(std::string_view keywordText, OutputStream* out, const KeywordPosition& position,
-             TextBuffer& text) const override;
+  LoopWord word(std::string_view keywordText) const override;
+  const void* kind() const override;
 
   const IBISComponent& component;
 };
@@ -85,8 +81,8 @@ class ForEachModelSelector final : public ForEachObject {
  public:
   ForEachModelSelector(const IBISModelSelectorRow& choice, IBISString selector, std::string type)
       : row(choice), selectorName(selector), modelType(std::move(type)) {}
-  bool value(std::string_view keywordText, OutputStream* out, const KeywordPosition& position,
-             TextBuffer& text) const override;
+  LoopWord word(std::string_view keywordText) const override;
+  const void* kind() const override;
 
   const IBISModelSelectorRow& row;
   IBISString selectorName;
@@ -96,8 +92,8 @@ class ForEachModelSelector final : public ForEachObject {
 class ForEachUserModelSelector final : public ForEachObject {
  public:
   explicit ForEachUserModelSelector(IBISString choice) : userName(choice) {}
-  bool value(std::string_view keywordText, OutputStream* out, const KeywordPosition& position,
-             TextBuffer& text) const override;
+  LoopWord word(std::string_view keywordText) const override;
+  const void* kind() const override;
 
   IBISString userName;
 };
@@ -107,10 +103,10 @@ class ForEachWaveform final : public ForEachObject {
   static constexpr std::int32_t rising = 0;
   static constexpr std::int32_t falling = 1;
 
-  ForEachWaveform(const IBISModel& owner, std::int32_t place, std::int32_t edge)
-      : model(owner), index(place), transition(edge) {}
-  bool value(std::string_view keywordText, OutputStream* out, const KeywordPosition& position,
-             TextBuffer& text) const override;
+  ForEachWaveform(const IBISModel& owner, std::int32_t number, std::int32_t edge)
+      : model(owner), index(number), transition(edge) {}
+  LoopWord word(std::string_view keywordText) const override;
+  const void* kind() const override;
 
   /// The table itself.
   const IBISWaveform& waveform() const;
@@ -123,8 +119,8 @@ class ForEachWaveform final : public ForEachObject {
 class ForEachDiffPin final : public ForEachObject {
  public:
   explicit ForEachDiffPin(const IBISDiffPin& each) : row(each) {}
-  bool value(std::string_view keywordText, OutputStream* out, const KeywordPosition& position,
-             TextBuffer& text) const override;
+  LoopWord word(std::string_view keywordText) const override;
+  const void* kind() const override;
 
   IBISDiffPin row;
 };

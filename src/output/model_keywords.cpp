@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "model/estimate_waveforms.h"
 #include "model/model_types.h"
 #include "model/strings/data_strings.h"
 #include "model/waveform.h"
@@ -8,9 +9,6 @@
 
 namespace ibis {
 namespace {
-
-constexpr int valueDigits = 12;
-constexpr int shortDigits = 6;
 
 bool hasPulldown(const IBISModel& model) {
   return model.pulldown.present && needsPulldown(model.type);
@@ -50,13 +48,18 @@ void forEachSelected(const IBISModel& model, Write write) {
 
 void writeWaveforms(const ForEachModel& loop, OutputStream& out, std::int32_t column) {
   forEachSelected(loop.model, [&](const IBISWaveform& waveform, bool isLast) {
-    writeWaveformCorners(waveform, out, column, !isLast);
+    if (waveform.estimate) {
+      writeWaveformCorners(withPoints(waveform), out, column, !isLast);
+    } else {
+      writeWaveformCorners(waveform, out, column, !isLast);
+    }
   });
 }
 
 void writeWaveformSizes(const ForEachModel& loop, OutputStream& out, std::int32_t) {
   forEachSelected(loop.model, [&](const IBISWaveform& waveform, bool isLast) {
-    out.writeInteger(waveform.time.size());
+    out.writeInteger(waveform.estimate ? estimatedTimes(*waveform.estimate).size()
+                                       : waveform.time.size());
     if (!isLast) out.write(", ");
   });
 }
@@ -64,7 +67,7 @@ void writeWaveformSizes(const ForEachModel& loop, OutputStream& out, std::int32_
 void writeFixtureResistances(const ForEachModel& loop, OutputStream& out, std::int32_t) {
   forEachSelected(loop.model, [&](const IBISWaveform& waveform, bool isLast) {
     const double resistance = fixtureResistance(waveform).value;
-    writeTriple(out, {true, resistance, resistance, resistance}, shortDigits);
+    writeTriple(out, {.typ = resistance, .max = resistance, .min = resistance}, shortDigits);
     if (!isLast) out.write(", ");
   });
 }
@@ -81,9 +84,12 @@ void writeWaveformTimes(const ForEachModel& loop, OutputStream& out, std::int32_
   double start = 0.0;
   double end = 0.0;
   forEachSelected(loop.model, [&](const IBISWaveform& waveform, bool) {
-    if (waveform.time.empty()) return;
-    start = std::max(start, waveform.time[0]);
-    end = std::max(end, waveform.time.last());
+    const YVector<double> made =
+        waveform.estimate ? estimatedTimes(*waveform.estimate) : YVector<double>();
+    const YVector<double>& time = waveform.estimate ? made : waveform.time;
+    if (time.empty()) return;
+    start = std::max(start, time[0]);
+    end = std::max(end, time.last());
   });
   out.write("start=");
   out.writeNumber(start, shortDigits);
@@ -181,18 +187,11 @@ constexpr ModelCondition conditions[] = {
 
 }  // namespace
 
-bool ForEachModel::value(std::string_view keywordText, OutputStream* out,
-                         const KeywordPosition& position, TextBuffer&) const {
-  return answerValue(std::span<const ModelValue>(values), *this, keywordText, out, position);
+LoopWord ForEachModel::word(std::string_view keywordText) const {
+  return findWord(std::span<const ModelValue>(values), std::span<const ModelCondition>(conditions),
+                  keywordText);
 }
 
-bool ForEachModel::isCondition(std::string_view name) const {
-  return findRow(std::span<const ModelCondition>(conditions), name) != nullptr;
-}
-
-bool ForEachModel::evaluate(std::string_view name, const KeywordArguments& arguments) const {
-  const ModelCondition* row = findRow(std::span<const ModelCondition>(conditions), name);
-  return row != nullptr && row->holds(*this, arguments);
-}
+const void* ForEachModel::kind() const { return &values; }
 
 }  // namespace ibis

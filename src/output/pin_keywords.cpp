@@ -5,9 +5,6 @@
 namespace ibis {
 namespace {
 
-constexpr int valueDigits = 12;
-constexpr int shortDigits = 6;
-
 // A pin of a component that was not prepared has none.
 const IBISModel* modelOf(const ForEachPin& loop) {
   return loop.pin != nullptr ? loop.pin->model : nullptr;
@@ -108,19 +105,12 @@ constexpr PinCondition conditions[] = {
 
 }  // namespace
 
-bool ForEachPin::value(std::string_view keywordText, OutputStream* out,
-                       const KeywordPosition& position, TextBuffer&) const {
-  return answerValue(std::span<const PinValue>(values), *this, keywordText, out, position);
+LoopWord ForEachPin::word(std::string_view keywordText) const {
+  return findWord(std::span<const PinValue>(values), std::span<const PinCondition>(conditions),
+                  keywordText);
 }
 
-bool ForEachPin::isCondition(std::string_view name) const {
-  return findRow(std::span<const PinCondition>(conditions), name) != nullptr;
-}
-
-bool ForEachPin::evaluate(std::string_view name, const KeywordArguments& arguments) const {
-  const PinCondition* row = findRow(std::span<const PinCondition>(conditions), name);
-  return row != nullptr && row->holds(*this, arguments);
-}
+const void* ForEachPin::kind() const { return &values; }
 
 bool ForEachOfPins::next() {
   if (pin == &component.pins.back()) return false;
@@ -134,7 +124,7 @@ ForEachOfEntries::ForEachOfEntries(const IBISComponent& owner, std::optional<Mod
   showFrom(0);
 }
 
-bool ForEachOfEntries::next() { return showFrom(place_ + 1); }
+bool ForEachOfEntries::next() { return showFrom(index_ + 1); }
 
 void ForEachOfEntries::rewind() { showFrom(0); }
 
@@ -142,20 +132,20 @@ bool ForEachOfEntries::exist(const IBISComponent& owner, std::optional<ModelType
   return find(owner, type, 0) < owner.pinEntries.size();
 }
 
-// The first entry of the type from a place on, or behind the last.
+// The first entry of the type from a index on, or behind the last.
 std::size_t ForEachOfEntries::find(const IBISComponent& owner, std::optional<ModelType> type,
-                                   std::size_t place) {
+                                   std::size_t index) {
   const std::vector<IBISPinEntry>& entries = owner.pinEntries;
-  while (place < entries.size() && type && entries[place].model->type != *type) ++place;
-  return place;
+  while (index < entries.size() && type && entries[index].model->type != *type) ++index;
+  return index;
 }
 
 // A half pair may count as single, whatever else the entry says.
-bool ForEachOfEntries::showFrom(std::size_t place) {
-  place = find(component, type_, place);
-  if (place >= component.pinEntries.size()) return false;
-  place_ = place;
-  entry = &component.pinEntries[place];
+bool ForEachOfEntries::showFrom(std::size_t index) {
+  index = find(component, type_, index);
+  if (index >= component.pinEntries.size()) return false;
+  index_ = index;
+  entry = &component.pinEntries[index];
   pin = entry->pin;
   if (halves_ == Halves::asSingles && !entry->isPair()) entry = nullptr;
   return true;

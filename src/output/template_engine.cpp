@@ -1,79 +1,29 @@
 #include "output/template_engine.h"
 
 #include <algorithm>
-#include <memory_resource>
-#include <type_traits>
 
 #include "host/diagnostics/messages.h"
-#include "output/keyword_registry.h"
+#include "output/compiled_template.h"
 
 namespace ibis {
 namespace {
 
-constexpr std::size_t longestKeyword = 127;
 constexpr std::int32_t tabWidth = 4;
 
-// Room for all that is known of a text's keywords; it goes as a whole.
-using Arena = std::pmr::monotonic_buffer_resource;
-
-template <class Item>
-Item* makeRoom(Arena& arena, std::size_t count) {
-  static_assert(std::is_trivially_destructible_v<Item>);
-  return static_cast<Item*>(arena.allocate(count * sizeof(Item), alignof(Item)));
-}
-
-// A comma at the very end adds no empty item.
-KeywordArguments splitAtCommas(std::string_view text, Arena& arena) {
-  auto* const items =
-      makeRoom<IBISString>(arena, static_cast<std::size_t>(std::ranges::count(text, ',')) + 1);
-  std::size_t count = 0;
-  do {
-    const std::size_t end = std::min(text.find(','), text.size());
-    new (items + count++) IBISString(text.substr(0, end));
-    text.remove_prefix(std::min(end + 1, text.size()));
-  } while (!text.empty());
-  return {items, count};
-}
-
-// A keyword of the text with all that can be known of it before it is met.
-struct Keyword {
-  // The text lives as long as the arena.
-  Keyword(std::string_view text, Arena& arena) : arguments(splitAtCommas(text, arena)) {
-    value = valueKeyword(name());
-    condition = conditionKeyword(name());
-    loop = loopKeyword(text);
-    worksUnopened = equalIgnoringCase(text, "file") || equalIgnoringCase(text, "append") ||
-                    equalIgnoringCase(text, "include");
-  }
-
-  std::string_view name() const { return arguments.front(); }
-
-  KeywordArguments arguments;
-  ValueHandler value = nullptr;
-  ConditionHandler condition = nullptr;
-  LoopFactory loop = nullptr;
-  bool worksUnopened = false;  // is called without an open file, too
-};
-
-const Keyword* makeKeyword(std::string_view text, Arena& arena) {
-  char* const copy = makeRoom<char>(arena, text.size());
-  std::ranges::copy(text, copy);
-  return new (makeRoom<Keyword>(arena, 1)) Keyword({copy, text.size()}, arena);
+std::int32_t behindTab(std::int32_t column) {
+  return (column - 1) / tabWidth * tabWidth + tabWidth + 1;
 }
 
 // What lasts for the expansion of one text.
 class Expansion {
  public:
   Expansion(OutputRun& run, TextBuffer& text)
-      : run_(run), text_(text), keywordAt_(static_cast<std::size_t>(text.size()) + 1) {}
+      : run_(run), text_(text), pieces_(text.text()), next_(pieces_.pieceAt(text.position())) {}
 
-  // A byte above 0x7f is never consumed and ends the text as its NUL does.
   void run() {
-    while (!abandoned_) {
-      takePlainText(text_.readPlain());
-      const char c = text_.read();
-      if (static_cast<signed char>(c) <= 0) return;
-      takeCharacter(c);
+    while (!ended_) {
+      piece_ = pieces_.piece(next_++);
+      takePiece();
     }
   }
 
@@ -82,144 +32,151 @@ class Expansion {
   bool parentActive() const { return inactiveParents_ == 0; }
   bool isActive() const { return active_ && parentActive(); }
 
-  // Most of a text is neither blank, line end nor percent sign and is taken in one piece.
-  void takePlainText(std::string_view plain) {
-    column_ += static_cast<std::int32_t>(plain.size());
-    if (plain.empty() || commentLine_) return;
-    if (inKeyword_) {
-      keyword_ += plain.substr(0, longestKeyword - std::min(longestKeyword, keyword_.size()));
-      return;
+  void takePiece() {
+    switch (piece_.kind) {
+      case PieceKind::text:
+        column_ += piece_.count;
+        return takeText();
+      case PieceKind::blanks:
+        column_ += piece_.count;
+        pendingSpaces_ += piece_.count;
+        return;
+      case PieceKind::tab:
+        column_ = behindTab(column_);
+        return takeText();
+      case PieceKind::lineEnd:
+        startLine();
+        return takeLineEnd();
+      case PieceKind::commentLine:
+        return startLine();
+      case PieceKind::percent:
+        advanceColumn();
+        newlineEaten_ = false;
+        if (gateOpen()) run_.out()->write('%');
+        return;
+      case PieceKind::keyword:
+        advanceColumn();
+        newlineEaten_ = false;
+        return takeKeyword(*piece_.keyword);
+      case PieceKind::unterminated:
+        run_.errors().error(message::unterminatedKeyword, line_ + piece_.count - 1);
+        ended_ = true;
+        return;
+      case PieceKind::jump:
+        next_ = static_cast<std::size_t>(piece_.count);
+        return;
+      case PieceKind::end:
+        ended_ = true;
+        return;
     }
+  }
+
+  void startLine() {
+    ++line_;
+    column_ = 1;
+  }
+
+  void advanceColumn() {
+    column_ += piece_.count;
+    if (piece_.count != 0) return;
+    for (const char c : piece_.text) {
+      if (c != '\r') column_ = c == '\t' ? behindTab(column_) : column_ + 1;
+    }
+  }
+
+  void takeText() {
     flushPendingSpaces();
     newlineEaten_ = false;
-    if (gateOpen()) run_.out()->write(plain);
-  }
-
-  void takeCharacter(char c) {
-    countCharacter(c);
-    if (commentLine_) return;
-    if (c == ' ' && !inKeyword_) {
-      ++pendingSpaces_;
-    } else if (c == '%') {
-      takePercentSign();
-    } else {
-      takeText(c);
-    }
-  }
-
-  void countCharacter(char c) {
-    if (c == '\n') {
-      commentLine_ = text_.peek() == '#';
-      ++line_;
-      column_ = 1;
-    } else if (c == '\t') {
-      column_ = (column_ - 1) / tabWidth * tabWidth + tabWidth + 1;
-    } else {
-      ++column_;
-    }
-  }
-
-  void takeText(char c) {
-    if (!inKeyword_) flushPendingSpaces();
-    if (c == '\n') {
-      takeLineEnd();
-    } else if (inKeyword_) {
-      if (keyword_.size() < longestKeyword) keyword_ += c;
-    } else {
-      newlineEaten_ = false;
-      if (gateOpen()) run_.out()->write(c);
-    }
+    if (gateOpen()) run_.out()->write(piece_.text);
   }
 
   void takeLineEnd() {
-    if (inKeyword_) {
-      run_.reportError(message::unterminatedKeyword, line_ - 1);
-      abandoned_ = true;
-      return;
-    }
+    flushPendingSpaces();
     if (gateOpen() && !newlineEaten_) run_.out()->write('\n');
     newlineEaten_ = false;
   }
 
   void flushPendingSpaces() {
+    if (pendingSpaces_ == 0) return;
     if (gateOpen()) run_.out()->writeBlanks(pendingSpaces_);
     pendingSpaces_ = 0;
   }
 
-  void takePercentSign() {
-    newlineEaten_ = false;
-    inKeyword_ = !inKeyword_;
-    if (inKeyword_) {
-      keyword_.clear();
-      keywordStart_ = static_cast<std::size_t>(text_.position());
-    } else if (keyword_.empty()) {
-      if (gateOpen()) run_.out()->write('%');
-    } else {
-      takeKeyword(currentKeyword());
-    }
-  }
-
-  // A loop meets its keywords again on every pass.
-  const Keyword& currentKeyword() {
-    const Keyword*& known = keywordAt_[keywordStart_];
-    if (known == nullptr) known = makeKeyword(keyword_, keywords_);
-    return *known;
-  }
-
   // A file-level value hides a loop object's of the same name; loops do not nest.
-  void takeKeyword(const Keyword& keyword) {
-    if (takeFileValue(keyword)) return;
+  void takeKeyword(TemplateKeyword& keyword) {
+    if (keyword.value != nullptr) return takeFileValue(keyword);
     if (inLoop_ && skipLoop_) {
-      takeLoopEnd();  // nothing else counts in the body of an empty loop
+      if (keyword.endsLoop) takeLoopEnd();  // nothing else counts in the body of an empty loop
       return;
     }
-    if (inLoop_ && (takeLoopValue() || takeLoopCondition(keyword))) return;
-    if (takeFileCondition(keyword)) return;
-    if (inLoop_ ? takeLoopEnd() : takeLoopStart(keyword)) return;
-    if (!takeConditionWord()) {
-      run_.reportError(message::unknownTemplateKeyword, keyword_.c_str(), line_);
+    if (inLoop_ && takeLoopWord(keyword)) return;
+    if (keyword.condition != nullptr) {
+      return enterCondition(
+          callHandler([&] { return keyword.condition(run_, text_, keyword.arguments); }));
+    }
+    if (inLoop_ && keyword.endsLoop) return takeLoopEnd();
+    if (!inLoop_ && keyword.loop != nullptr) return takeLoopStart(keyword);
+    if (!takeConditionWord(keyword)) {
+      run_.errors().error(message::unknownTemplateKeyword, std::string(keyword.text).c_str(),
+                          line_);
     }
   }
 
-  KeywordPosition position() const {
-    const auto width = static_cast<std::int32_t>(keyword_.size()) + 2;
-    return {line_, std::max(column_ - width, 1), pendingSpaces_};
+  KeywordPosition position(const TemplateKeyword& keyword) const {
+    const auto width = static_cast<std::int32_t>(keyword.text.size()) + 2;
+    return {.line = line_, .column = std::max(column_ - width, 1), .pendingSpaces = pendingSpaces_};
+  }
+
+  // A handler may read on in the text; the template goes on where it stopped.
+  template <class Call>
+  bool callHandler(Call call) {
+    text_.seek(piece_.end);
+    const bool result = call();
+    if (text_.position() != piece_.end) next_ = pieces_.pieceAt(text_.position());
+    return result;
   }
 
   // Without an open file only the keyword that opens one is called.
-  bool takeFileValue(const Keyword& keyword) {
-    if (keyword.value == nullptr) return false;
-    if (isActive() && !skipLoop_ && (run_.out() != nullptr || keyword.worksUnopened)) {
-      newlineEaten_ = keyword.value(run_, run_.out(), position(), text_, keyword.arguments);
-      pendingSpaces_ = 0;
-    }
-    return true;
-  }
-
-  bool takeLoopValue() {
-    const ForEachObject& object = items_.current();
-    if (!object.value(keyword_, nullptr, position(), text_)) return false;
-    if (isActive()) newlineEaten_ = object.value(keyword_, run_.out(), position(), text_);
+  void takeFileValue(const TemplateKeyword& keyword) {
+    const bool isCalled =
+        isActive() && !skipLoop_ && (run_.out() != nullptr || keyword.worksUnopened);
+    if (!isCalled) return;
+    newlineEaten_ = callHandler([&] {
+      return keyword.value(run_, run_.out(), position(keyword), text_, keyword.arguments);
+    });
     pendingSpaces_ = 0;
-    return true;
   }
 
-  bool takeLoopCondition(const Keyword& keyword) {
+  bool takeLoopWord(TemplateKeyword& keyword) {
     const ForEachObject& object = items_.current();
-    if (keyword.name() == "iffirst") {
+    if (keyword.loopKind != object.kind()) learn(keyword, object);
+    const LoopWord& word = keyword.loopWord;
+    if (word.write != nullptr) {
+      if (isActive()) takeLoopValue(keyword, object);
+      pendingSpaces_ = 0;
+    } else if (keyword.isFirst) {
       enterCondition(items_.isAtFirst());
-    } else if (object.isCondition(keyword.name())) {
-      enterCondition(object.evaluate(keyword.name(), keyword.arguments));
+    } else if (word.holds != nullptr) {
+      enterCondition(word.holds(word.row, object, keyword.arguments));
     } else {
       return false;
     }
     return true;
   }
 
-  bool takeFileCondition(const Keyword& keyword) {
-    if (keyword.condition == nullptr) return false;
-    enterCondition(keyword.condition(run_, text_, keyword.arguments));
-    return true;
+  // A value is known by the whole text of its keyword, a condition by its name.
+  static void learn(TemplateKeyword& keyword, const ForEachObject& object) {
+    const LoopWord value = object.word(keyword.text);
+    keyword.loopWord = value.write != nullptr ? value : object.word(keyword.name());
+    if (value.write == nullptr) keyword.loopWord.write = nullptr;  // a name alone is no value
+    keyword.loopKind = object.kind();
+  }
+
+  // With no file to write to, a known value says so and eats the line end.
+  void takeLoopValue(const TemplateKeyword& keyword, const ForEachObject& object) {
+    newlineEaten_ = run_.out() == nullptr;
+    if (newlineEaten_) return;
+    keyword.loopWord.write(keyword.loopWord.row, object, *run_.out(), position(keyword));
   }
 
   void enterCondition(bool holds) {
@@ -230,21 +187,18 @@ class Expansion {
   }
 
   // The list is built whether or not anything is written.
-  bool takeLoopStart(const Keyword& keyword) {
-    if (keyword.loop == nullptr) return false;
-    loopStart_ = {text_.position(), line_, column_};
+  void takeLoopStart(const TemplateKeyword& keyword) {
+    loopStart_ = {.piece = next_, .line = line_, .column = column_};
     keyword.loop(run_, items_);
     newlineEaten_ = true;
     inLoop_ = true;
     skipLoop_ = items_.empty();
     items_.restart();
-    return true;
   }
 
-  bool takeLoopEnd() {
-    if (!equalIgnoringCase(keyword_, "endforeach")) return false;
+  void takeLoopEnd() {
     if (items_.advance()) {
-      text_.seek(loopStart_.position);
+      next_ = loopStart_.piece;
       line_ = loopStart_.line;
       column_ = loopStart_.column;
     } else {
@@ -254,16 +208,14 @@ class Expansion {
     }
     newlineEaten_ = true;
     pendingSpaces_ = 0;
-    return true;
   }
 
-  bool takeConditionWord() {
-    if (equalIgnoringCase(keyword_, "else")) {
+  bool takeConditionWord(const TemplateKeyword& keyword) {
+    if (!keyword.isElse && !keyword.isEndif) return false;
+    if (keyword.isElse) {
       active_ = !active_;
-    } else if (equalIgnoringCase(keyword_, "endif")) {
-      leaveCondition();
     } else {
-      return false;
+      leaveCondition();
     }
     newlineEaten_ = true;
     return true;
@@ -271,7 +223,7 @@ class Expansion {
 
   void leaveCondition() {
     if (conditions_.empty()) {
-      run_.reportError(message::endifWithoutTest, line_);
+      run_.errors().error(message::endifWithoutTest, line_);
       return;
     }
     active_ = conditions_.back();
@@ -280,24 +232,21 @@ class Expansion {
   }
 
   struct LoopStart {
-    std::int32_t position = 0;
+    std::size_t piece = 0;
     std::int32_t line = 1;
     std::int32_t column = 1;
   };
 
   OutputRun& run_;
   TextBuffer& text_;
+  CompiledTemplate pieces_;
+  TemplatePiece piece_;
+  std::size_t next_;  // the piece behind piece_
+  bool ended_ = false;
   std::int32_t line_ = 1;
   std::int32_t column_ = 1;
-  std::string keyword_;
-  std::size_t keywordStart_ = 0;           // behind its opening percent sign
-  std::vector<const Keyword*> keywordAt_;  // by start; null for one that was not met yet
-  Arena keywords_;
-  bool inKeyword_ = false;
-  bool abandoned_ = false;
   std::int32_t pendingSpaces_ = 0;
   bool newlineEaten_ = false;
-  bool commentLine_ = false;
   bool active_ = true;               // the innermost condition holds
   std::vector<bool> conditions_;     // active_ of the conditions around it
   std::size_t inactiveParents_ = 0;  // how many of those are false

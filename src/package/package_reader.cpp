@@ -2,6 +2,7 @@
 
 #include "host/diagnostics/messages.h"
 #include "model/numbers/numbers.h"
+#include "reader/text/name_index.h"
 
 namespace ibis {
 namespace {
@@ -11,12 +12,20 @@ bool endsMatrix(std::int32_t id) {
          id == keyword::inductanceMatrix || id == keyword::capacitanceMatrix;
 }
 
+// The pins that a matrix may name, numbered from 1 in file order.
+struct PinNumbers {
+  NameIndex<ExactCase> names;
+  std::int32_t count = 0;  // as the file promises, named or not
+
+  bool isPin(std::int32_t number) const { return number >= 1 && number <= count; }
+};
+
 // Reads the rows of one matrix behind its keyword.
 class MatrixReader {
  public:
-  MatrixReader(std::vector<IBISMatrixEntry>& entries, const IBISPackageModel& model,
-               IBISRecords records, std::int32_t& index, IBISErrorHandler& errors)
-      : entries_(entries), model_(model), records_(records), index_(index), errors_(errors) {}
+  MatrixReader(std::vector<IBISMatrixEntry>& entries, const PinNumbers& pins, IBISRecords records,
+               std::int32_t& index, IBISErrorHandler& errors)
+      : entries_(entries), pins_(pins), records_(records), index_(index), errors_(errors) {}
 
   // Its rows are passed over, so that the next matrix is read normally.
   void readFull() {
@@ -63,7 +72,6 @@ class MatrixReader {
 
  private:
   const IBISRecord& record() const { return recordAt(records_, index_); }
-  bool isPin(std::int32_t place) const { return place >= 1 && place <= model_.numberOfPins; }
 
   // Takes records as long as take() knows them.
   template <class Take>
@@ -82,7 +90,7 @@ class MatrixReader {
 
   void readDiagonalLine() {
     if (row_ == 0) return;
-    entries_.push_back({row_, row_, parseNumber(keywordText(record()), 0.0)});
+    add(row_, row_, keywordText(record()));
   }
 
   void readBandwidth() {
@@ -92,42 +100,45 @@ class MatrixReader {
 
   // A name that is unknown leaves the row as it was.
   void readRow() {
-    const std::int32_t place = findPin(keywordText(record()));
-    if (place > 0) row_ = place;
-    if (!isPin(row_)) errors_.error(message::unexpectedRow, record().line, row_);
+    const std::int32_t number = findPin(keywordText(record()));
+    if (number > 0) row_ = number;
+    if (!pins_.isPin(row_)) errors_.error(message::unexpectedRow, record().line, row_);
   }
 
-  // The place of a pin from 1; 0 with a message for an unknown one.
+  // The number of a pin from 1; 0 with a message for an unknown one.
   std::int32_t findPin(IBISString name) const {
-    const std::int32_t place = model_.pinNames.find(name);
-    if (place != model_.pinNames.absent) return place + 1;
+    const std::int32_t index = pins_.names.find(name);
+    if (index != pins_.names.absent) return index + 1;
     errors_.error(message::unknownPackagePin, record().line, name.str().c_str());
     return 0;
   }
 
   // The file gives one triangle of a symmetric matrix, the other is made here.
   void readSparseLine() {
-    if (!isPin(row_)) return;
+    if (!pins_.isPin(row_)) return;
     Fields fields;
     splitFields(keywordText(record()), fields, 2);
     const std::int32_t column = findPin(fields.at(0));
     if (column == 0) return;
-    if (!isPin(column)) {
+    if (!pins_.isPin(column)) {
       errors_.error(message::unexpectedColumn, record().line, column);
     } else if (fields.at(1).empty()) {
       errors_.error(message::missingValue, record().line);
     } else {
-      addSymmetric(column, parseNumber(fields.at(1), 0.0));
+      add(row_, column, fields.at(1));
+      if (column != row_) add(column, row_, fields.at(1));
     }
   }
 
-  void addSymmetric(std::int32_t column, double value) {
-    entries_.push_back({row_, column, value});
-    if (column != row_) entries_.push_back({column, row_, value});
+  void add(std::int32_t row, std::int32_t column, std::string_view text) {
+    entries_.push_back({.row = row,
+                        .column = column,
+                        .value = parseNumber(text, 0.0),
+                        .isNA = text == notAvailable});
   }
 
   std::vector<IBISMatrixEntry>& entries_;
-  const IBISPackageModel& model_;
+  const PinNumbers& pins_;
   IBISRecords records_;
   std::int32_t& index_;
   IBISErrorHandler& errors_;
@@ -186,10 +197,10 @@ class SectionReader {
   // The netlist has a line for each pin that the number promises, whether it is named or not.
   void readNumberOfPins() {
     const std::int32_t number = parseInteger(record().text());
-    if (number > IBISPackageModel::mostPins) {
-      errors_.error(message::tooManyPackagePins, record().line, number, IBISPackageModel::mostPins);
+    if (number > IBISPackageModel::maxPins) {
+      errors_.error(message::tooManyPackagePins, record().line, number, IBISPackageModel::maxPins);
     } else {
-      model_.numberOfPins = number;
+      model_.numberOfPins = pins_.count = number;
     }
   }
 
@@ -205,12 +216,13 @@ class SectionReader {
 
   void takePinNames(const Fields& tokens) {
     for (const std::string_view token : tokens) {
-      if (model_.pinNames.size() >= model_.numberOfPins) return;
+      if (pins_.names.size() >= model_.numberOfPins) return;
       const IBISString name = token;
-      if (model_.pinNames.contains(name)) {
+      if (pins_.names.contains(name)) {
         errors_.error(message::duplicatePackagePin, record().line, name.str().c_str());
       } else {
-        model_.pinNames.add(name);
+        pins_.names.add(name);
+        model_.pinNames.push_back(name);
       }
     }
   }
@@ -245,7 +257,7 @@ class SectionReader {
   // False with a message for a form that does not exist.
   bool readMatrix(std::vector<IBISMatrixEntry>& matrix) {
     const IBISString form = keywordText(record());
-    MatrixReader reader(matrix, model_, records_, index_, errors_);
+    MatrixReader reader(matrix, pins_, records_, index_, errors_);
     if (form == "Full_matrix") {
       reader.readFull();
     } else if (form == "Banded_matrix") {
@@ -267,6 +279,7 @@ class SectionReader {
   IBISRecords records_;
   std::int32_t& index_;
   IBISErrorHandler& errors_;
+  PinNumbers pins_;
 };
 
 }  // namespace

@@ -26,8 +26,8 @@ std::int32_t lookUp(std::string_view name) {
 
 }  // namespace
 
-IBISScanner::IBISScanner(std::string_view text, std::size_t fewestRecords)
-    : fewestRecords_(fewestRecords) {
+IBISScanner::IBISScanner(std::string_view text, std::size_t minRecords)
+    : minRecords_(std::max<std::size_t>(minRecords, 1)) {
   text = text.substr(0, text.find('\0'));
   cursor_ = text.data();
   end_ = text.data() + text.size();
@@ -86,7 +86,7 @@ bool IBISScanner::endsPiece(std::int32_t id) {
   if (id == keyword::modelData) inModelData_ = true;
   if (id == keyword::endModelData) inModelData_ = false;
   if (!endsSection(id) || inModelData_) return false;
-  const bool ends = inSections_ && result_.records.size() >= fewestRecords_;
+  const bool ends = inSections_ && result_.records.size() >= minRecords_;
   inSections_ = true;
   return ends;
 }
@@ -95,7 +95,8 @@ void IBISScanner::reportUnknown(std::string_view name) {
   if (!keepsMessages_) return;
   std::string spaced(name);
   std::ranges::replace(spaced, '_', ' ');
-  result_.errors.push_back(formatMessage(message::unknownKeyword, spaced.c_str(), line_));
+  result_.errors.push_back(
+      makeDiagnostic(Severity::error, message::unknownKeyword, spaced.c_str(), line_));
 }
 
 // Nothing on this line is a comment, so that the argument itself is not cut off.
@@ -104,16 +105,16 @@ void IBISScanner::readCommentChar() {
   const IBISString argument = keywordText(record);
   const std::string_view text = argument;
   if (!text.empty() && allowedCommentChars.find(text[0]) == std::string_view::npos) {
-    stop(formatMessage(message::disallowedCommentChar, line_,
-                       std::string(allowedCommentChars).c_str()));
+    stop(makeDiagnostic(Severity::error, message::disallowedCommentChar, line_,
+                        std::string(allowedCommentChars).c_str()));
   } else if (text.empty() || !equalIgnoringCase(text.substr(1), commentCharTail)) {
-    stop(formatMessage(message::incorrectCommentChar, line_));
+    stop(makeDiagnostic(Severity::error, message::incorrectCommentChar, line_));
   } else {
     commentChar_ = text[0];
   }
 }
 
-void IBISScanner::stop(std::string reason) {
+void IBISScanner::stop(Diagnostic reason) {
   result_.errors.push_back(std::move(reason));
   stopped_ = true;
 }
@@ -128,8 +129,10 @@ IBISRecord IBISScanner::readRecordLine(std::int32_t id, char commentChar) {
   if (commentChar != noComment) text = text.substr(0, text.find(commentChar));
   if (hasCarriageReturns_) text = withoutCarriageReturns(text);
   text = text.substr(0, IBISRecord::maximumLength);
-  return {text.data(), line_, static_cast<std::uint8_t>(id),
-          static_cast<std::uint8_t>(text.size())};
+  return {.begin = text.data(),
+          .line = line_,
+          .keyword = static_cast<std::uint8_t>(id),
+          .length = static_cast<std::uint8_t>(text.size())};
 }
 
 std::string_view IBISScanner::withoutCarriageReturns(std::string_view text) {
@@ -150,9 +153,9 @@ void IBISScanner::checkLineLengths() {
   for (const IBISRecord& record : result_.records) {
     if (record.length == IBISRecord::maximumLength) {
       result_.errors.push_back(
-          formatMessage(message::lineTooLong, record.line, standardLineLength));
+          makeDiagnostic(Severity::error, message::lineTooLong, record.line, standardLineLength));
     } else if (record.length > standardLineLength) {
-      result_.warnings.push_back(formatMessage(message::lineLong, record.line));
+      result_.warnings.push_back(makeDiagnostic(Severity::warning, message::lineLong, record.line));
     }
   }
 }

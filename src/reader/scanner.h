@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "ibis/diagnostic.h"
 #include "ibis/ibis_string.h"
 #include "reader/vocabulary.h"
 
@@ -30,9 +31,9 @@ using IBISRecords = std::span<const IBISRecord>;
 /// What a scan yields; records point into the scanned text, or into `rewritten`.
 struct IBISScanResult {
   std::vector<IBISRecord> records;
-  std::vector<std::string> errors;    ///< The scanner's own; no load shows them.
-  std::vector<std::string> warnings;  ///< The scanner's own; no load shows them.
-  StringPool rewritten;               ///< Lines that had a carriage return inside.
+  std::vector<Diagnostic> errors;    ///< The scanner's own; no load shows them.
+  std::vector<Diagnostic> warnings;  ///< The scanner's own; no load shows them.
+  StringPool rewritten;              ///< Lines that had a carriage return inside.
 };
 
 /// Cuts a text into records; it ends at its first NUL and must outlive the result.
@@ -48,7 +49,7 @@ class IBISScanner {
   static constexpr std::size_t usualPiece = 4096;  ///< Records stay in a core's own cache.
 
   /// The records of a piece are no fewer than told, but for the last piece.
-  explicit IBISScanner(std::string_view text, std::size_t fewestRecords = usualPiece);
+  explicit IBISScanner(std::string_view text, std::size_t minRecords = usualPiece);
 
   /// The records of the next piece, valid until the next call; none at the end of the text.
   IBISRecords nextPiece();
@@ -65,7 +66,7 @@ class IBISScanner {
   bool endsPiece(std::int32_t id);
   void reportUnknown(std::string_view name);
   void readCommentChar();
-  void stop(std::string reason);
+  void stop(Diagnostic reason);
   IBISRecord readRecordLine(std::int32_t id, char commentChar);
   std::string_view withoutCarriageReturns(std::string_view text);
   void skipLine();
@@ -79,7 +80,7 @@ class IBISScanner {
   bool hasCarriageReturns_;
   bool stopped_ = false;
   bool keepsMessages_ = false;
-  std::size_t fewestRecords_;
+  std::size_t minRecords_;
   bool pieceEnded_ = false;
   bool inSections_ = false;
   bool inModelData_ = false;

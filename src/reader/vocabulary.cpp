@@ -16,10 +16,25 @@ constexpr VersionRow versions[] = {
 };
 
 constexpr KeywordRow keywords[] = {
-#define IBIS_KEYWORD(id, identifier, name, flags) {id, name, flags},
+#define IBIS_KEYWORD(id, identifier, name, flags, inComponent) \
+  {id, name, flags, InComponent::inComponent},
 #include "reader/keywords.def"
 #undef IBIS_KEYWORD
 };
+
+constexpr std::size_t keywordIds = 1 + [] {
+  std::int32_t largest = 0;
+  for (const KeywordRow& row : keywords) largest = std::max(largest, row.id);
+  return static_cast<std::size_t>(largest);
+}();
+static_assert(keywordIds <= 256, "scanned records keep an id in eight bits");
+
+// Rows by id; null for an id that no row has.
+constexpr auto keywordsById = [] {
+  std::array<const KeywordRow*, keywordIds> byId{};
+  for (const KeywordRow& row : keywords) byId[static_cast<std::size_t>(row.id)] = &row;
+  return byId;
+}();
 
 constexpr SubParameterRow subParameters[] = {
 #define IBIS_SUB_PARAMETER(id, identifier, name) {id, name},
@@ -75,9 +90,14 @@ std::span<const KeywordRow> keywordTable() { return keywords; }
 std::span<const SubParameterRow> subParameterTable() { return subParameters; }
 std::span<const ModelTypeRow> modelTypeTable() { return modelTypes; }
 
+const KeywordRow* findKeyword(std::int32_t id) {
+  const auto index = static_cast<std::size_t>(id);
+  return index < keywordsById.size() ? keywordsById[index] : nullptr;
+}
+
 IBISString keywordName(std::int32_t id) {
-  const auto* row = std::ranges::find(keywords, id, &KeywordRow::id);
-  return row == std::end(keywords) ? IBISString() : IBISString(row->name);
+  const KeywordRow* row = findKeyword(id);
+  return row == nullptr ? IBISString() : IBISString(row->name);
 }
 
 std::int32_t keywordId(std::string_view name) {
@@ -88,18 +108,8 @@ std::int32_t keywordId(std::string_view name) {
 }
 
 bool endsSection(std::int32_t id) {
-  switch (id) {
-    case keyword::component:
-    case keyword::modelSelector:
-    case keyword::model:
-    case keyword::submodel:
-    case keyword::definePackageModel:
-    case keyword::end:
-    case keyword::externalCircuit:
-      return true;
-    default:
-      return false;
-  }
+  const KeywordRow* row = findKeyword(id);
+  return row != nullptr && row->inComponent == InComponent::ends;
 }
 
 IBISString versionText(std::int32_t id) {

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "ibis/ibis_string.h"
+#include "ibis/model_type.h"
 
 namespace ibis {
 
@@ -12,7 +13,8 @@ namespace ibis {
 namespace keyword {
 inline constexpr std::int32_t dataLine = 0;
 inline constexpr std::int32_t none = 1;
-#define IBIS_KEYWORD(id, identifier, name, flags) inline constexpr std::int32_t identifier = id;
+#define IBIS_KEYWORD(id, identifier, name, flags, inComponent) \
+  inline constexpr std::int32_t identifier = id;
 #include "reader/keywords.def"
 #undef IBIS_KEYWORD
 }  // namespace keyword
@@ -27,33 +29,6 @@ inline constexpr std::int32_t lastReserved = 35;
 inline constexpr std::int32_t none = 45;
 }  // namespace subparameter
 
-/// Ids of the model types, in the order of the standard's own list.
-enum class ModelType : std::int32_t {
-  unknown = 0,
-  input,
-  output,
-  inputOutput,
-  threeState,
-  openSource,
-  inputOutputOpenSource,
-  openDrain,
-  inputOutputOpenDrain,
-  inputEcl,
-  outputEcl,
-  inputOutputEcl,
-  threeStateEcl,
-  terminator,
-  series,
-  seriesSwitch,
-  inputDiff,
-  outputDiff,
-  inputOutputDiff,
-  threeStateDiff,
-  gnd,
-  power,
-  nc,
-};
-
 /// A version of the standard; `supported` tells whether its files are read.
 struct VersionRow {
   std::int32_t id;
@@ -61,11 +36,24 @@ struct VersionRow {
   bool supported;
 };
 
+/// What a keyword is inside a [Component]; see keywords.def.
+enum class InComponent : std::uint8_t {
+  own,
+  ends,
+  ofHeader,
+  ofModel,
+  ofSubmodel,
+  ofPackage,
+  ofCircuit,
+  passed,
+};
+
 /// A bracketed keyword without its brackets.
 struct KeywordRow {
   std::int32_t id;
   std::string_view name;
   std::int32_t flags;
+  InComponent inComponent;
 };
 
 /// A word that may begin a line of a model or a waveform.
@@ -81,10 +69,13 @@ struct ModelTypeRow {
   bool supported;
 };
 
-std::span<const VersionRow> versionTable();            ///< 18 rows, oldest first, "Unknown" last.
-std::span<const KeywordRow> keywordTable();            ///< 92 rows, in the order of look-up.
-std::span<const SubParameterRow> subParameterTable();  ///< 37 rows, in the order of look-up.
-std::span<const ModelTypeRow> modelTypeTable();        ///< 23 rows, in the order of look-up.
+std::span<const VersionRow> versionTable();            ///< Oldest first, "Unknown" last.
+std::span<const KeywordRow> keywordTable();            ///< In the order of look-up.
+std::span<const SubParameterRow> subParameterTable();  ///< In the order of look-up.
+std::span<const ModelTypeRow> modelTypeTable();        ///< In the order of look-up.
+
+/// The row of a keyword's id, or null.
+const KeywordRow* findKeyword(std::int32_t id);
 
 /// The keyword's name without brackets, empty for an id that no row has.
 IBISString keywordName(std::int32_t id);

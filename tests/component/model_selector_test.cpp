@@ -27,7 +27,7 @@ struct Library : Parsed {
 
   // The place among the file's models, -1 for none; the first three are built in.
   std::ptrdiff_t found(std::string_view name) {
-    const IBISModel* model = findModel(file, name);
+    const IBISModel* model = findModel(file.data(), name);
     const auto& models = data().models;
     const auto place =
         std::ranges::find_if(models, [&](const auto& item) { return item.get() == model; });
@@ -89,7 +89,7 @@ TEST(ModelSelector, LeavesTheIndexOnItsLastRow) {
   const Scanned scanned("[Model Selector] S\nA first\nB second\n[Model] A\n");
   IBISFile file;
   std::int32_t index = 0;
-  readModelSelector(file, scanned.records(), index);
+  readModelSelector(file.data(), scanned.records(), index);
   EXPECT_EQ(index, 2);
   EXPECT_EQ(file.data().modelSelectors.size(), 1U);
 }
@@ -223,7 +223,7 @@ TEST(UserSelectors, AreCheckedAgainstEveryRowOfEverySelector) {
   Library library("[Model Selector] Speed\nFast other edges\n",
                   {"slow edges", "fast edges", "other edges"});
   Recorder recorder;
-  checkUserSelectors(library.file, recorder);
+  checkUserSelectors(library.file.data(), recorder);
   EXPECT_MESSAGES(recorder.errors);
   EXPECT_MESSAGES(recorder.warnings);
 }
@@ -239,7 +239,7 @@ TEST(UserSelectors, AreReportedAsErrorsWithoutAnySelector) {
   IBISFile file;
   file.addUserModelSelector("fast");
   Recorder recorder;
-  checkUserSelectors(file, recorder);
+  checkUserSelectors(file.data(), recorder);
   EXPECT_MESSAGES(recorder.errors, "Model selector 'fast' not found in IBIS file");
   EXPECT_MESSAGES(recorder.warnings);
 }

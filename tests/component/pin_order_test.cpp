@@ -15,7 +15,7 @@ struct Sorted {
   void addPin(const std::string& name) {
     IBISPin pin;
     pin.name = file.data().strings.store(name);
-    pin.signal_name = component.nameTable.makeUniqueName("S");
+    pin.signal_name = signals.makeUniqueName("S");
     pin.model_name = "NC";
     component.pins.push_back(pin);
   }
@@ -45,6 +45,7 @@ struct Sorted {
   }
 
   IBISFile file;
+  IBISNameTable signals;
   IBISComponent component;
   Recorder told;
 };

@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "host/diagnostics/format_message.h"
+#include "model/estimate_waveforms.h"
 
 namespace ibis::testing {
 
@@ -15,14 +16,14 @@ namespace fs = std::filesystem;
 void Recorder::error(const char* format, ...) {
   std::va_list arguments;
   va_start(arguments, format);
-  errors.push_back(formatMessageList(format, arguments));
+  errors.push_back(makeDiagnostic(Severity::error, format, arguments));
   va_end(arguments);
 }
 
 void Recorder::warning(const char* format, ...) {
   std::va_list arguments;
   va_start(arguments, format);
-  warnings.push_back(formatMessageList(format, arguments));
+  warnings.push_back(makeDiagnostic(Severity::warning, format, arguments));
   va_end(arguments);
 }
 
@@ -67,37 +68,46 @@ void writeWholeFile(const std::string& name, std::string_view text) {
   if (!stream.flush()) throw std::runtime_error("cannot write " + name);
 }
 
+void drawWaveforms(IBISModel& model) {
+  for (auto* list : {&model.risingWaveforms, &model.fallingWaveforms}) {
+    for (IBISWaveform& waveform : *list) waveform = withPoints(waveform);
+  }
+}
+
 Loaded loadText(std::string_view text, const LoadOptions& options) {
   const TemporaryFolder input;
-  const TemporaryFolder output;
   writeWholeFile(input.file("input.ibs"), text);
+  const std::string root = input.file("output");
   Load load({.source = input.file("input.ibs"),
              .mode = options.mode,
              .component = options.component,
-             .rootDirectory = output.path(),
+             .rootDirectory = root,
              .subcircuit = options.subcircuit,
              .pins = options.pins,
              .selections = options.selections});
   load.read();
   Loaded loaded;
-  for (const std::string& name : load.write()) {
+  MemorySink sink;
+  for (const std::string& name : load.write(sink)) {
     loaded.written.push_back(fs::path(name).filename().string());
   }
-  loaded.errors = load.file().data().errors;
-  loaded.warnings = load.file().data().warnings;
-  loaded.files = output.contents();
+  loaded.errors = texts(load.file().data().errors);
+  loaded.warnings = texts(load.file().data().warnings);
+  for (const auto& [name, content] : sink.files()) {
+    loaded.files[fs::path(name).filename().string()] = content;
+  }
   return loaded;
 }
 
 std::string expandTemplate(std::string_view text, const IBISFile& file,
-                           const IBISComponent* component, IBISErrorHandler& sink) {
-  const TemporaryFolder folder;
+                           const IBISComponent* component, IBISErrorHandler& errors) {
+  MemorySink sink;
   {
-    TemplateEngine engine(file.data(), component, folder.path(), sink);
+    TemplateEngine engine(file.data(), component, "root", errors, sink);
     TextBuffer buffer("%file% %rootdir%/expanded\n" + std::string(text));
     engine.expand(buffer);
   }
-  return readWholeFile(folder.file("expanded"));
+  return sink.files().at("root/expanded");
 }
 
 }  // namespace ibis::testing

@@ -8,19 +8,19 @@
 #include <string>
 #include <vector>
 
+#include "component/names/name_table.h"
 #include "harness/message_ledger.h"
 #include "host/load_sequence.h"
 #include "output/keyword_registry.h"
+#include "output/stream/memory_sink.h"
 #include "output/template_engine.h"
 #include "reader/file/parser.h"
 
 /// Holds messages against whole texts, in order, and notes the texts as proven.
 #define EXPECT_MESSAGES(actual, ...) \
-  EXPECT_EQ(actual, ::ibis::testing::proven(std::vector<std::string>{__VA_ARGS__}))
+  EXPECT_EQ(::ibis::testing::texts(actual), ::ibis::testing::proven({__VA_ARGS__}))
 
 namespace ibis::testing {
-
-using Texts = std::vector<std::string>;
 
 /// An error handler that keeps what it is told.
 class Recorder final : public IBISErrorHandler {
@@ -28,8 +28,8 @@ class Recorder final : public IBISErrorHandler {
   void error(const char* format, ...) override IBIS_PRINTF_FORMAT(2, 3);
   void warning(const char* format, ...) override IBIS_PRINTF_FORMAT(2, 3);
 
-  Texts errors;
-  Texts warnings;
+  std::vector<Diagnostic> errors;
+  std::vector<Diagnostic> warnings;
 };
 
 /// Joins lines, each with a line feed behind it.
@@ -76,8 +76,8 @@ struct Parsed {
   std::int32_t index = 0;
 
   IBISFileData& data() { return file.data(); }
-  const Texts& errors() const { return file.data().errors; }
-  const Texts& warnings() const { return file.data().warnings; }
+  Texts errors() const { return texts(file.data().errors); }
+  Texts warnings() const { return texts(file.data().warnings); }
   IBISComponent& component(std::size_t place = 0) { return *file.data().components[place]; }
 
   /// The model at a place behind the three built-in ones.
@@ -89,6 +89,9 @@ struct Parsed {
     postParse(file, componentName, filter);
   }
 };
+
+/// Makes the points of a model's estimated waveforms, as they are made for the output.
+void drawWaveforms(IBISModel& model);
 
 /// What a whole load of a text left behind.
 struct Loaded {
@@ -110,10 +113,10 @@ struct LoadOptions {
 /// Runs a whole load of a text from a file into a fresh folder.
 Loaded loadText(std::string_view text, const LoadOptions& options = {});
 
-/// Expands a template into a file and gives what it holds; "%file%" lines are the template's own.
+/// Expands a template into memory and gives what its file holds; other "%file%" lines are its own.
 ///
 /// The text is put behind a line that opens the file, so its first line is line 2.
 std::string expandTemplate(std::string_view text, const IBISFile& file,
-                           const IBISComponent* component, IBISErrorHandler& sink);
+                           const IBISComponent* component, IBISErrorHandler& errors);
 
 }  // namespace ibis::testing

@@ -1,14 +1,26 @@
 #pragma once
 
+#include <span>
 #include <string>
 #include <vector>
 
+#include "host/diagnostics/messages.h"
+#include "ibis/diagnostic.h"
+
 namespace ibis::testing {
 
-/// Notes whole message texts that a test expects, and gives them back.
-std::vector<std::string> proven(std::vector<std::string> texts);
+using Texts = std::vector<std::string>;
 
-/// Identifiers of the message table's rows that no text noted so far is an instance of.
-std::vector<std::string> unprovenMessages();
+/// The texts of messages as the plug-in reports them; the ledger learns which message each is.
+Texts texts(std::span<const Diagnostic> diagnostics);
+
+/// Texts as they are, so that both kinds of lists can be held against texts.
+inline Texts texts(const Texts& list) { return list; }
+
+/// Notes whole message texts that a test expects, and gives them back.
+Texts proven(Texts expected);
+
+/// Ids of a table's messages of which no text was both made and expected so far.
+Texts unprovenMessages(std::span<const MessageRow> table);
 
 }  // namespace ibis::testing

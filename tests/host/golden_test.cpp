@@ -50,8 +50,8 @@ std::string statusOf(const IBISFile& file) {
 std::string resultText(const IBISFile& file, const std::string& folder) {
   std::string text = lines({statusOf(file), folder, std::to_string(file.warningCount()),
                             std::to_string(file.errorCount())});
-  for (const Texts* list : {&file.data().warnings, &file.data().errors}) {
-    for (const std::string& message : *list) text += message + "\n";
+  for (const auto* list : {&file.data().warnings, &file.data().errors}) {
+    for (const std::string& message : texts(*list)) text += message + "\n";
   }
   return text;
 }

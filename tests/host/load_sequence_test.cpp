@@ -47,7 +47,7 @@ struct Loading {
   }
 
   const IBISFileData& data() const { return load.file().data(); }
-  const Texts& errors() const { return data().errors; }
+  Texts errors() const { return texts(data().errors); }
   const IBISComponent* component(std::size_t place) const { return data().components[place].get(); }
 
   TemporaryFolder input;

@@ -1,4 +1,5 @@
 #include "harness/harness.h"
+#include "output/stream/file_sink.h"
 
 namespace ibis::testing {
 namespace {
@@ -39,7 +40,8 @@ TEST(OutputSafety, TellsOfAFileWhoseTextWasCut) {
   const TemporaryFolder folder;
   const IBISFile file;
   Recorder sink;
-  TemplateEngine engine(file.data(), nullptr, folder.path(), sink);
+  FileSink files;
+  TemplateEngine engine(file.data(), nullptr, folder.path(), sink, files);
   engine.openOutputFile(folder.file("cut"));
   engine.abandonOutputFile();
   EXPECT_MESSAGES(sink.errors, "Cannot write output file '" + folder.file("cut") + "'\n");

@@ -133,7 +133,7 @@ TEST(ApplyInputDefaults, WarnsOfHysteresisWithoutLookingAtVinlPlus) {
     model.vinlMinus.present = row.vinlMinus;
     Recorder told;
     applyInputDefaults(model, told);
-    EXPECT_EQ(told.warnings, row.warned ? proven({hysteresis}) : Texts());
+    EXPECT_EQ(texts(told.warnings), row.warned ? proven({hysteresis}) : Texts());
     EXPECT_MESSAGES(told.errors);
   }
 }

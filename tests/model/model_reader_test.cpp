@@ -1,6 +1,7 @@
 #include "model/model_reader.h"
 
 #include "harness/harness.h"
+#include "model/numbers/numbers.h"
 
 namespace ibis::testing {
 namespace {
@@ -86,7 +87,7 @@ TEST(Model, IsBuiltInForGroundPowerAndNotConnected) {
   for (std::size_t i = 0; i < 3; ++i) {
     EXPECT_EQ(models[i]->name, expected[i].first);
     EXPECT_EQ(models[i]->type, expected[i].second);
-    EXPECT_EQ(file.data().nameTable.spiceName(expected[i].first), expected[i].first);
+    EXPECT_EQ(file.data().nameTable->spiceName(expected[i].first), expected[i].first);
   }
 }
 

@@ -174,6 +174,7 @@ int expectSameEstimate(IBISModel model) {
   const Recomputation expected(model);
   Recorder told;
   estimateWaveforms(model, told);
+  drawWaveforms(model);
   EXPECT_EQ(model.risingWaveforms.size(), 2U);
   EXPECT_EQ(model.fallingWaveforms.size(), 2U);
   expectSame(model.risingWaveforms[0], expected.rising0);
@@ -263,6 +264,7 @@ TEST(SolveCorner, ReportsThePointOfTheTenthPass) {
   EXPECT_EQ(expectSameEstimate(model), 10);
   Recorder told;
   estimateWaveforms(model, told);
+  drawWaveforms(model);
   IBISWaveform expected;
   expected.time = model.risingWaveforms[1].time;
   fillWaveform(expected, {.duration = 1.0, .vStart = 5.0, .vEnd = 4.0});

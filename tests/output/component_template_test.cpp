@@ -2,6 +2,7 @@
 
 #include "harness/harness.h"
 #include "output/embedded_templates.h"
+#include "output/stream/file_sink.h"
 
 namespace ibis::testing {
 namespace {
@@ -78,7 +79,8 @@ std::map<std::string, std::string> filesOf(const std::string& content,
   const TemporaryFolder folder;
   Recorder sink;
   {
-    TemplateEngine engine(parsed.data(), &parsed.component(), folder.path(), sink);
+    FileSink files;
+    TemplateEngine engine(parsed.data(), &parsed.component(), folder.path(), sink, files);
     TextBuffer buffer;
     EXPECT_TRUE(loadEmbedded(buffer, "component.tmpl"));
     engine.expand(buffer);

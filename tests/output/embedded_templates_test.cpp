@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "harness/harness.h"
+#include "output/stream/file_sink.h"
 
 namespace ibis::testing {
 namespace {
@@ -103,7 +104,8 @@ TEST(EmbeddedTemplates, WriteWithoutAMessageOfTheirOwn) {
   IBISFile file;
   IBISComponent component;
   Recorder sink;
-  TemplateEngine engine(file.data(), &component, folder.path(), sink);
+  FileSink files;
+  TemplateEngine engine(file.data(), &component, folder.path(), sink, files);
   for (const EmbeddedTemplate& row : embeddedTemplates()) {
     TextBuffer buffer(joinedLines(row));
     EXPECT_TRUE(engine.expand(buffer));

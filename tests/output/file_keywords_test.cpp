@@ -1,6 +1,7 @@
 #include "output/file_keywords.h"
 
 #include "harness/harness.h"
+#include "output/stream/file_sink.h"
 
 namespace ibis::testing {
 namespace {
@@ -83,7 +84,8 @@ Texts openedBy(std::string_view text, std::string_view subcircuit = "dut") {
   Parsed parsed(bufferFile);
   parsed.file.setUserSubcircuitName(subcircuit);
   const TemporaryFolder folder;
-  TemplateEngine engine(parsed.data(), &parsed.component(1), folder.path(), parsed.file);
+  FileSink files;
+  TemplateEngine engine(parsed.data(), &parsed.component(1), folder.path(), parsed.file, files);
   TextBuffer buffer(text);
   EXPECT_TRUE(engine.expand(buffer));
   EXPECT_MESSAGES(parsed.errors());
@@ -218,7 +220,8 @@ TEST(FileKeywords, WriteBlanksInFrontOfATextOfSeveralLinesOnce) {
 TEST(FileKeywords, WriteNothingWithoutAFile) {
   Parsed parsed(bufferFile);
   const TemporaryFolder folder;
-  TemplateEngine engine(parsed.data(), &parsed.component(1), folder.path(), parsed.file);
+  FileSink files;
+  TemplateEngine engine(parsed.data(), &parsed.component(1), folder.path(), parsed.file, files);
   for (const Example& row : singleTexts) {
     TextBuffer buffer("%" + row.text + "%%ibissource,|%%rootdir%\n");
     EXPECT_TRUE(engine.expand(buffer));

@@ -14,14 +14,14 @@ struct ValueCase {
 // What an object writes; all keywords of these loops keep the blanks in front of them.
 std::string written(const ForEachObject& object, std::string_view keyword,
                     std::int32_t blanks = 0) {
-  const TemporaryFolder folder;
-  {
-    const auto out = OutputStream::open(folder.file("value"));
-    TextBuffer text;
-    const KeywordPosition position{.line = 1, .column = 5, .pendingSpaces = blanks};
-    EXPECT_FALSE(object.value(keyword, out.get(), position, text));
-  }
-  return readWholeFile(folder.file("value"));
+  MemorySink sink;
+  const auto out = OutputStream::open(sink, "value");
+  TextBuffer text;
+  const KeywordPosition position{.line = 1, .column = 5, .pendingSpaces = blanks};
+  EXPECT_FALSE(object.value(keyword, out.get(), position, text));
+  EXPECT_TRUE(out->close());
+  EXPECT_TRUE(sink.keep("value"));
+  return sink.files().at("value");
 }
 
 void expectValues(const ForEachObject& object, std::initializer_list<ValueCase> values) {

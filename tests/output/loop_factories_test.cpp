@@ -1,6 +1,7 @@
 #include "output/loop_factories.h"
 
 #include "harness/harness.h"
+#include "output/stream/file_sink.h"
 
 namespace ibis::testing {
 namespace {
@@ -329,7 +330,8 @@ std::size_t count(LoopItems& items) {
 
 TEST(LoopFactories, FillTheListAndGiveTrue) {
   Device device(twoComponents);
-  TemplateEngine engine(device.data(), &device.component(1), "", device.sink);
+  FileSink files;
+  TemplateEngine engine(device.data(), &device.component(1), "", device.sink, files);
   for (const FactoryCase& each : factories) {
     LoopItems items;
     EXPECT_TRUE(each.factory(engine, items));
@@ -339,7 +341,8 @@ TEST(LoopFactories, FillTheListAndGiveTrue) {
 
 TEST(LoopFactories, LeaveTheComponentsLoopsEmptyWithoutOne) {
   Device device(twoComponents);
-  TemplateEngine engine(device.data(), nullptr, "", device.sink);
+  FileSink files;
+  TemplateEngine engine(device.data(), nullptr, "", device.sink, files);
   for (const FactoryCase& each : factories) {
     LoopItems items;
     EXPECT_TRUE(each.factory(engine, items));

@@ -19,7 +19,7 @@ class ModelLoop {
     return expandTemplate("%foreachmodel%\n" + body + "%endforeach%", file_, &component_, sink_);
   }
 
-  const Texts& errors() const { return sink_.errors; }
+  Texts errors() const { return texts(sink_.errors); }
 
  private:
   IBISFile file_;

@@ -9,8 +9,8 @@ const std::string header =
 /// The one output file of a load without a message.
 std::string onlyFile(const std::string& text, const LoadOptions& options, const std::string& name) {
   const Loaded loaded = loadText(text, options);
-  EXPECT_EQ(loaded.errors, Texts());
-  EXPECT_EQ(loaded.warnings, Texts());
+  EXPECT_EQ(texts(loaded.errors), Texts());
+  EXPECT_EQ(texts(loaded.warnings), Texts());
   EXPECT_EQ(loaded.written, Texts{name});
   EXPECT_EQ(loaded.files.size(), 1U);
   return loaded.files.at(name);
@@ -23,8 +23,8 @@ std::string packageFile(const std::string& text, const std::string& subcircuit =
 /// The page that a load writes beside its library.
 std::string page(const std::string& text, const LoadOptions& options = {}) {
   const Loaded loaded = loadText(text, options);
-  EXPECT_EQ(loaded.errors, Texts());
-  EXPECT_EQ(loaded.warnings, Texts());
+  EXPECT_EQ(texts(loaded.errors), Texts());
+  EXPECT_EQ(texts(loaded.warnings), Texts());
   EXPECT_EQ(loaded.written, (Texts{"dut.lb", "dut_INFO.html"}));
   return loaded.files.at("dut_INFO.html");
 }
@@ -42,7 +42,7 @@ std::string script(const std::string& text, const std::string& source,
              .pins = {},
              .selections = {}});
   load.read();
-  EXPECT_EQ(load.file().data().errors, Texts());
+  EXPECT_EQ(texts(load.file().data().errors), Texts());
   EXPECT_EQ(load.write(), Texts{output.file("ibis_components.kvscr")});
   return output.contents().at("ibis_components.kvscr");
 }

@@ -10,7 +10,7 @@ struct Built {
       : parsed("[IBIS Ver] 4.2\n[Component] U.1\n" + component + packageModels) {
     EXPECT_EQ(parsed.errors(), Texts());
     output = expandTemplate(text, parsed.file, &parsed.component(), told);
-    EXPECT_EQ(told.errors, Texts());
+    EXPECT_EQ(texts(told.errors), Texts());
   }
 
   Parsed parsed;

@@ -35,7 +35,7 @@ class PinLoop {
     return expandTemplate("%" + loop + "%\n" + body + "%endforeach%", file_, &component_, sink_);
   }
 
-  const Texts& errors() const { return sink_.errors; }
+  Texts errors() const { return texts(sink_.errors); }
 
   IBISPin pin;
   IBISPin inverted;

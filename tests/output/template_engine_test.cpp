@@ -1,6 +1,7 @@
 #include "output/template_engine.h"
 
 #include "harness/harness.h"
+#include "output/stream/file_sink.h"
 
 namespace ibis::testing {
 namespace {
@@ -53,7 +54,8 @@ struct EngineRun {
   IBISFile file;
   Recorder sink;
   TemporaryFolder folder;
-  TemplateEngine engine{file.data(), nullptr, folder.path(), sink};
+  FileSink files;
+  TemplateEngine engine{file.data(), nullptr, folder.path(), sink, files};
 
   bool expand(std::string_view text) {
     TextBuffer buffer(text);
@@ -119,7 +121,7 @@ TEST(TemplateEngine, NeverTakesTheFirstLineForAComment) {
   EngineRun run;
   run.engine.openOutputFile(run.folder.file("out"));
   EXPECT_TRUE(run.expand("# first\n# second\nthird\n"));
-  run.engine.closeOutputFile();
+  run.engine.finish();
   EXPECT_EQ(readWholeFile(run.folder.file("out")), "# first\nthird\n");
 }
 
@@ -262,7 +264,7 @@ TEST(TemplateEngine, FlipsTheTopLevelAtAStrayElse) {
 TEST(TemplateEngine, DropsWhatStandsBeforeTheFirstFile) {
   EngineRun run;
   EXPECT_TRUE(run.expand("lost %ibisdate%%arguments%%%\n\n%file% %rootdir%/out\nkept\n"));
-  run.engine.closeOutputFile();
+  run.engine.finish();
   EXPECT_EQ(run.folder.contents(), (std::map<std::string, std::string>{{"out", "kept\n"}}));
   EXPECT_MESSAGES(run.sink.errors);
 }
@@ -285,7 +287,7 @@ TEST(TemplateEngine, ContinuesTheFileOfTheTemplateBefore) {
   EngineRun run;
   EXPECT_TRUE(run.expand("%file% %rootdir%/out\none\n"));
   EXPECT_TRUE(run.expand("two\n"));
-  run.engine.closeOutputFile();
+  run.engine.finish();
   EXPECT_EQ(readWholeFile(run.folder.file("out")), "one\ntwo\n");
 }
 
@@ -295,7 +297,7 @@ TEST(TemplateEngine, StartsEveryTemplateAfresh) {
   EXPECT_TRUE(run.expand("%position%\n%else%c"));
   EXPECT_TRUE(run.expand("d %open"));
   EXPECT_TRUE(run.expand("e\n"));
-  run.engine.closeOutputFile();
+  run.engine.finish();
   EXPECT_EQ(readWholeFile(run.folder.file("out")), "a\n/1/1/0\nde\n");
   EXPECT_MESSAGES(run.sink.errors);
 }
@@ -303,8 +305,8 @@ TEST(TemplateEngine, StartsEveryTemplateAfresh) {
 TEST(TemplateEngine, EndsOneFileWithTheNext) {
   EngineRun run;
   EXPECT_TRUE(run.expand("%file% %rootdir%/a\none\n%file% %rootdir%/b\ntwo\n"));
+  run.engine.finish();
   EXPECT_EQ(readWholeFile(run.folder.file("a")), "one\n");
-  run.engine.closeOutputFile();
   EXPECT_EQ(readWholeFile(run.folder.file("b")), "two\n");
   EXPECT_EQ(run.engine.generatedFiles(), (Texts{run.folder.file("a"), run.folder.file("b")}));
 }
@@ -313,7 +315,7 @@ TEST(TemplateEngine, NamesAFileOpenedTwiceOnce) {
   EngineRun run;
   const std::string a = run.folder.file("a");
   EXPECT_TRUE(run.expand("%file% %rootdir%/a\n1\n%file% %rootdir%/b\n2\n%file% %rootdir%/a\n3\n"));
-  run.engine.closeOutputFile();
+  run.engine.finish();
   EXPECT_EQ(run.engine.generatedFiles(), (Texts{a, run.folder.file("b")}));
   EXPECT_EQ(readWholeFile(a), "3\n");
 }
@@ -323,7 +325,7 @@ TEST(TemplateEngine, ReplacesAFileThatIsOpenAlready) {
     EngineRun run;
     const std::string old(oldSize, 'o');
     EXPECT_TRUE(run.expand("%file% %rootdir%/a\n" + old + "\n%file% %rootdir%/a\nnew\n"));
-    run.engine.closeOutputFile();
+    run.engine.finish();
     EXPECT_EQ(run.engine.generatedFiles(), Texts{run.folder.file("a")});
     EXPECT_EQ(readWholeFile(run.folder.file("a")), "new\n") << oldSize;
   }

@@ -1,6 +1,7 @@
 #include <filesystem>
 
 #include "harness/harness.h"
+#include "output/stream/file_sink.h"
 #include "output/template_engine.h"
 
 namespace ibis::testing {
@@ -18,7 +19,7 @@ Outcome outcomeOf(std::string_view text) {
   file.data().date = IBISString("today");
   Recorder sink;
   std::string written = expandTemplate(text, file, nullptr, sink);
-  return {std::move(written), sink.errors, sink.warnings};
+  return {std::move(written), texts(sink.errors), texts(sink.warnings)};
 }
 
 // An engine with a folder of its own and no component.
@@ -26,7 +27,8 @@ struct EngineRun {
   IBISFile file;
   Recorder sink;
   TemporaryFolder folder;
-  TemplateEngine engine{file.data(), nullptr, folder.path(), sink};
+  FileSink files;
+  TemplateEngine engine{file.data(), nullptr, folder.path(), sink, files};
 
   bool expand(std::string_view text) {
     TextBuffer buffer(text);
@@ -166,7 +168,7 @@ TEST(TemplateErrors, LetTheNextTemplateRunAfterAnAbandonedOne) {
   EngineRun run;
   EXPECT_TRUE(run.expand("%file% %rootdir%/out\na %b\nc"));
   EXPECT_TRUE(run.expand("d\n"));
-  run.engine.closeOutputFile();
+  run.engine.finish();
   EXPECT_EQ(readWholeFile(run.folder.file("out")), "ad\n");
   EXPECT_MESSAGES(run.sink.errors, "Template error : Unterminated keyword at line 2\n");
 }
@@ -219,7 +221,7 @@ TEST(TemplateErrors, AreCutAt1023Characters) {
 TEST(TemplateErrors, KeepTheOpenFileWhenAnotherCannotBeOpened) {
   EngineRun run;
   EXPECT_TRUE(run.expand("%file% %rootdir%/out\na\n%file% %rootdir%/missing/out\nb\n"));
-  run.engine.closeOutputFile();
+  run.engine.finish();
   EXPECT_EQ(readWholeFile(run.folder.file("out")), "a\nb\n");
   EXPECT_EQ(run.engine.generatedFiles(), Texts{run.folder.file("out")});
   EXPECT_MESSAGES(run.sink.errors,
@@ -251,8 +253,8 @@ TEST(TemplateErrors, ComeFromAnEmptyFileName) {
 TEST(TemplateErrors, ReportAFullDeviceOnceWhenTheFileIsClosed) {
   EngineRun run;
   EXPECT_TRUE(run.expand("%file% /dev/full\na\n"));
-  run.engine.closeOutputFile();
-  run.engine.closeOutputFile();
+  run.engine.finish();
+  run.engine.finish();
   EXPECT_MESSAGES(run.sink.errors, "Cannot write output file '/dev/full'\n");
   EXPECT_MESSAGES(run.sink.warnings);
 }
@@ -262,7 +264,7 @@ TEST(TemplateErrors, ReportAFullDeviceOnceForManyFailedWrites) {
   std::string text = "%file% /dev/full\n";
   for (int line = 0; line < 20000; ++line) text += "a line of a long output file\n";
   EXPECT_TRUE(run.expand(text));
-  run.engine.closeOutputFile();
+  run.engine.finish();
   EXPECT_MESSAGES(run.sink.errors, "Cannot write output file '/dev/full'\n");
 }
 
@@ -270,7 +272,7 @@ TEST(TemplateErrors, ReportAFullDeviceWhenTheNextFileOpens) {
   EngineRun run;
   EXPECT_TRUE(run.expand("%file% /dev/full\na\n%file% %rootdir%/out\nb\n"));
   EXPECT_MESSAGES(run.sink.errors, "Cannot write output file '/dev/full'\n");
-  run.engine.closeOutputFile();
+  run.engine.finish();
   EXPECT_EQ(readWholeFile(run.folder.file("out")), "b\n");
   EXPECT_MESSAGES(run.sink.errors, "Cannot write output file '/dev/full'\n");
 }
@@ -279,7 +281,7 @@ TEST(TemplateErrors, ReportEachFileThatCannotBeWritten) {
   EngineRun run;
   std::filesystem::create_symlink("/dev/full", run.folder.file("link"));
   EXPECT_TRUE(run.expand("%file% /dev/full\na\n%file% %rootdir%/link\nb\n"));
-  run.engine.closeOutputFile();
+  run.engine.finish();
   EXPECT_MESSAGES(run.sink.errors, "Cannot write output file '/dev/full'\n",
                   "Cannot write output file '" + run.folder.file("link") + "'\n");
 }
@@ -288,14 +290,15 @@ TEST(TemplateErrors, ReportAFullDeviceWhenTheEngineGoes) {
   IBISFile file;
   Recorder sink;
   TextBuffer text("%file% /dev/full\na\n");
-  TemplateEngine(file.data(), nullptr, "", sink).expand(text);
+  FileSink files;
+  TemplateEngine(file.data(), nullptr, "", sink, files).expand(text);
   EXPECT_MESSAGES(sink.errors, "Cannot write output file '/dev/full'\n");
 }
 
 TEST(TemplateErrors, SayNothingOfAFullDeviceThatNothingIsWrittenTo) {
   EngineRun run;
   EXPECT_TRUE(run.expand("%file% /dev/full\n"));
-  run.engine.closeOutputFile();
+  run.engine.finish();
   EXPECT_MESSAGES(run.sink.errors);
 }
 

@@ -1,5 +1,6 @@
 #include "harness/harness.h"
 #include "output/keyword_registry.h"
+#include "output/stream/file_sink.h"
 
 namespace ibis::testing {
 namespace {
@@ -7,7 +8,7 @@ namespace {
 // What the engine asked of the letters since the start of the test.
 struct Calls {
   int factory = 0;
-  int questions = 0;  ///< Calls of value for a known keyword without a stream.
+  int questions = 0;  ///< What a word means.
   int conditions = 0;
 };
 
@@ -18,37 +19,51 @@ class Letter final : public ForEachObject {
  public:
   explicit Letter(char letter) : letter_(letter) {}
 
-  bool value(std::string_view keyword, OutputStream* out, const KeywordPosition& position,
-             TextBuffer&) const override {
-    const bool known = keyword == "letter" || keyword == "ibisdate" || keyword == "place" ||
-                       keyword == "with,comma";
-    if (out == nullptr) {
-      calls.questions += known ? 1 : 0;
-      return known;
+  LoopWord word(std::string_view keyword) const override {
+    ++calls.questions;
+    if (keyword == "letter" || keyword == "ibisdate" || keyword == "with,comma") {
+      return {.write = writeLetter};
     }
-    out->writeBlanks(position.pendingSpaces);
-    if (keyword == "place") {
-      out->writeInteger(position.line);
-      out->write('/');
-      out->writeInteger(position.column);
-      out->write(';');
-    } else {
-      out->write(letter_);
-    }
-    return false;
+    if (keyword == "place") return {.write = writePlace};
+    if (keyword == "ifletter") return {.holds = isLetter};
+    if (keyword == "ifhaspackagemodel") return {.holds = holds};
+    return {};
   }
 
-  bool isCondition(std::string_view name) const override {
-    return name == "ifletter" || name == "ifhaspackagemodel";
-  }
-
-  bool evaluate(std::string_view name, const KeywordArguments& arguments) const override {
-    ++calls.conditions;
-    return name == "ifhaspackagemodel" ||
-           (arguments.size() == 2 && arguments[1] == std::string_view(&letter_, 1));
-  }
+  const void* kind() const override { return &calls; }
 
  private:
+  static char letterOf(const ForEachObject& object) {
+    return static_cast<const Letter&>(object).letter_;
+  }
+
+  static void writeLetter(const void*, const ForEachObject& object, OutputStream& out,
+                          const KeywordPosition& position) {
+    out.writeBlanks(position.pendingSpaces);
+    out.write(letterOf(object));
+  }
+
+  static void writePlace(const void*, const ForEachObject&, OutputStream& out,
+                         const KeywordPosition& position) {
+    out.writeBlanks(position.pendingSpaces);
+    out.writeInteger(position.line);
+    out.write('/');
+    out.writeInteger(position.column);
+    out.write(';');
+  }
+
+  static bool isLetter(const void*, const ForEachObject& object,
+                       const KeywordArguments& arguments) {
+    ++calls.conditions;
+    const char letter = letterOf(object);
+    return arguments.size() == 2 && arguments[1] == std::string_view(&letter, 1);
+  }
+
+  static bool holds(const void*, const ForEachObject&, const KeywordArguments&) {
+    ++calls.conditions;
+    return true;
+  }
+
   char letter_;
 };
 
@@ -237,12 +252,13 @@ TEST(TemplateLoops, EndWithTheirTemplate) {
   const TemporaryFolder folder;
   IBISFile file;
   Recorder sink;
-  TemplateEngine engine(file.data(), nullptr, folder.path(), sink);
+  FileSink files;
+  TemplateEngine engine(file.data(), nullptr, folder.path(), sink, files);
   TextBuffer open("%file% %rootdir%/out\n%eachnothing%lost");
   TextBuffer next("kept %eachone%%letter%%endforeach%\n");
   EXPECT_TRUE(engine.expand(open));
   EXPECT_TRUE(engine.expand(next));
-  engine.closeOutputFile();
+  engine.finish();
   EXPECT_EQ(readWholeFile(folder.file("out")), "kept a");
   EXPECT_MESSAGES(sink.errors);
 }
@@ -251,23 +267,25 @@ TEST(TemplateLoops, OpenAFileForEveryPass) {
   const TemporaryFolder folder;
   IBISFile file;
   Recorder sink;
-  TemplateEngine engine(file.data(), nullptr, folder.path(), sink);
+  FileSink files;
+  TemplateEngine engine(file.data(), nullptr, folder.path(), sink, files);
   TextBuffer text("%eachletter%\n%file% %rootdir%/out\n%letter%\n%endforeach%\n.\n");
   EXPECT_TRUE(engine.expand(text));
-  engine.closeOutputFile();
+  engine.finish();
   EXPECT_EQ(readWholeFile(folder.file("out")), "c\n.\n");
   EXPECT_EQ(engine.generatedFiles(), Texts{folder.file("out")});
 }
 
-TEST(TemplateLoops, AskAnObjectTwiceWhileNoFileIsOpen) {
+TEST(TemplateLoops, AskAboutAWordOnceForAllPasses) {
   const TemporaryFolder folder;
   IBISFile file;
   Recorder sink;
-  TemplateEngine engine(file.data(), nullptr, folder.path(), sink);
-  TextBuffer text("%eachone%%letter%%endforeach%");
+  FileSink files;
+  TemplateEngine engine(file.data(), nullptr, folder.path(), sink, files);
+  TextBuffer text("%eachletter%%letter%%letter%%endforeach%");
   calls = {};
   EXPECT_TRUE(engine.expand(text));
-  EXPECT_EQ(calls.questions, 2);
+  EXPECT_EQ(calls.questions, 2 + 2);  // the end of the loop might be a value or a condition
   EXPECT_MESSAGES(sink.errors);
 }
 

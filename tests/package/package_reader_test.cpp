@@ -35,8 +35,8 @@ struct Read {
 
   Texts pinNames() const {
     Texts names;
-    for (std::int32_t i = 0; i < model.pinNames.size(); ++i) {
-      names.emplace_back(model.pinNames.name(i));
+    for (const IBISString name : model.pinNames) {
+      names.push_back(name.str());
     }
     return names;
   }

@@ -308,8 +308,8 @@ const std::vector<LengthCase> lengthCases = {
 TEST(LineLength, IsCheckedForDataLines) {
   for (const LengthCase& example : lengthCases) {
     const Scanned scanned(std::string(example.length, 'x') + "\n");
-    EXPECT_EQ(scanned.result.errors, proven(example.errors)) << example.length;
-    EXPECT_EQ(scanned.result.warnings, proven(example.warnings)) << example.length;
+    EXPECT_EQ(texts(scanned.result.errors), proven(example.errors)) << example.length;
+    EXPECT_EQ(texts(scanned.result.warnings), proven(example.warnings)) << example.length;
   }
 }
 
@@ -317,8 +317,8 @@ TEST(LineLength, LeavesOutKeywordCommentAndCarriageReturns) {
   for (const LengthCase& example : lengthCases) {
     const Scanned scanned("[Manufacturer]" + std::string(example.length, 'x') + "\r|" +
                           std::string(300, 'c') + "\r\n");
-    EXPECT_EQ(scanned.result.errors, example.errors) << example.length;
-    EXPECT_EQ(scanned.result.warnings, example.warnings) << example.length;
+    EXPECT_EQ(texts(scanned.result.errors), example.errors) << example.length;
+    EXPECT_EQ(texts(scanned.result.warnings), example.warnings) << example.length;
   }
 }
 

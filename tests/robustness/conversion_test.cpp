@@ -57,7 +57,7 @@ class ConversionFaults : public ::testing::Test {
 
 TEST_F(ConversionFaults, NameTheFileThatIsCut) {
   const Converted whole = convertFailing(1'000'000);
-  EXPECT_EQ(whole.errors, Texts());
+  EXPECT_EQ(texts(whole.errors), Texts());
   int cutFiles = 0;
   for (std::uint64_t successes = 0;; ++successes) {
     const Converted converted = convertFailing(successes);

@@ -68,10 +68,10 @@ void IBISNameTable::reserve(std::size_t count) {
 }
 
 void IBISNameTable::forgetNames() {
-  sources_ = NameIndex<ExactCase>();
-  spiceNames_ = NameIndex<IgnoringCase>();
-  sourceCounters_ = NameCounters<ExactCase>();
-  spiceCounters_ = NameCounters<IgnoringCase>();
+  sources_ = {};
+  spiceNames_ = {};
+  sourceCounters_ = {};
+  spiceCounters_ = {};
 }
 
 }  // namespace ibis

@@ -38,8 +38,8 @@ class IBISNameTable {
   NameIndex<ExactCase> sources_;
   NameIndex<IgnoringCase> spiceNames_;  // same places as sources_
   // How far the counter of a contested name got; nothing below is ever free again.
-  NameCounters<ExactCase> sourceCounters_;
-  NameCounters<IgnoringCase> spiceCounters_;
+  NameMap<ExactCase, std::int32_t> sourceCounters_;
+  NameMap<IgnoringCase, std::int32_t> spiceCounters_;
 };
 
 }  // namespace ibis

@@ -1,8 +1,5 @@
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
-
 #if defined(__GNUC__)
 #define IBIS_PRINTF_FORMAT(text, first) __attribute__((format(printf, text, first)))
 #else
@@ -21,17 +18,6 @@ class IBISErrorHandler {
 
   /// Adds a problem that stops nothing; takes printf's arguments.
   virtual void warning(const char* format, ...) IBIS_PRINTF_FORMAT(2, 3) = 0;
-};
-
-/// The host family's exception; it reports a fault of the program, never one of the input.
-struct KelvrantException {
-  std::int32_t code = 8;
-  char message[1000] = {};
-
-  /// Keeps the first 999 characters of the text.
-  explicit KelvrantException(const char* text) {
-    for (std::size_t i = 0; i + 1 < sizeof message && text[i] != '\0'; ++i) message[i] = text[i];
-  }
 };
 
 }  // namespace ibis

@@ -15,7 +15,7 @@ namespace {
 constexpr double missingSingleValue = 0.8;
 
 // Powers of ten that a double holds exactly.
-constexpr int mostExactPower = 22;
+constexpr int maxExactPower = 22;
 constexpr double exactPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                   1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
                                   1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
@@ -63,7 +63,7 @@ bool looksDecimal(std::string_view digits) {
 //
 // A length of 0 stands for a text that is longer, larger or no decimal number at all.
 NumberPrefix readShortNumber(std::string_view text) {
-  constexpr int mostDigits = 19;  // as many as 64 bits hold
+  constexpr int maxDigits = 19;  // as many as 64 bits hold
   constexpr std::uint64_t largestExact = std::uint64_t{1} << 53;
   const bool isNegative = text.starts_with('-');
   const std::size_t sign = isNegative || text.starts_with('+') ? 1 : 0;
@@ -83,7 +83,7 @@ NumberPrefix readShortNumber(std::string_view text) {
     count += c - fraction;
     exponent = -static_cast<int>(c - fraction);
   }
-  if (count == 0 || count > mostDigits) return {};
+  if (count == 0 || count > maxDigits) return {};
   if (c != end && (*c == 'e' || *c == 'E')) {
     const char* e = c + 1;
     const bool negative = e != end && *e == '-';
@@ -95,7 +95,7 @@ NumberPrefix readShortNumber(std::string_view text) {
     if (power >= 1000) return {};
     exponent += negative ? -power : power;
   }
-  if (digits > largestExact || exponent < -mostExactPower || exponent > mostExactPower) return {};
+  if (digits > largestExact || exponent < -maxExactPower || exponent > maxExactPower) return {};
   const double value = isNegative ? -static_cast<double>(digits) : static_cast<double>(digits);
   const auto power = static_cast<std::size_t>(exponent < 0 ? -exponent : exponent);
   return {exponent < 0 ? value / exactPowers[power] : value * exactPowers[power],
@@ -127,14 +127,23 @@ double unitFactor(char c) {
   }
 }
 
+// Reads the next field of "typ min max" for a corner and notes whether the file has it.
+double takeCorner(std::string_view& text, double fallback, int corner, MissingCorners& missing) {
+  const std::string_view field = takeField(text);
+  if (isMissingValue(field)) missing.set(corner);
+  return parseNumber(field, fallback);
+}
+
 // The number of the next field, or of the filler where there is none.
 //
 // Nearly all are read in one pass, which the end of the number ends and not that of its field.
-double takeNumber(std::string_view& text, std::string_view filler, double fallback) {
+double takeNumber(std::string_view& text, std::string_view filler, double fallback,
+                  bool& isMissing) {
   while (!text.empty() && isBlank(text[0])) text.remove_prefix(1);
   const NumberPrefix number = readShortNumber(text);
   if (number.length == 0) {
     const std::string_view field = takeField(text);
+    isMissing = isMissingValue(field);
     return parseNumber(field.empty() ? filler : field, fallback);
   }
   text.remove_prefix(number.length);
@@ -191,7 +200,11 @@ std::string_view takeField(std::string_view& text, std::string_view separators) 
   const char first = separators.front();
   const char second = separators[separators.size() > 1 ? 1 : 0];
   const char third = separators.back();
-  const auto isSeparator = [=](char c) { return c == first || c == second || c == third; };
+  const bool hasMore = separators.size() > 3;  // which no caller's own set has
+  const auto isSeparator = [=](char c) {
+    return c == first || c == second || c == third ||
+           (hasMore && separators.find(c) != separators.npos);
+  };
   const char* c = text.data();
   const char* const end = c + text.size();
   while (c != end && isSeparator(*c)) ++c;
@@ -210,36 +223,57 @@ void splitFields(std::string_view text, Fields& fields, std::int32_t minimumCoun
   while (fields.size() < minimumCount) fields.append(filler);
 }
 
+IBISString popToken(std::string_view& line) {
+  const std::size_t begin = std::min(line.find_first_not_of(delimiters::blanks), line.size());
+  line.remove_prefix(begin);
+  const std::size_t end = std::min(line.find_first_of(delimiters::blanksAndEqual), line.size());
+  const std::string_view token = line.substr(0, end);
+  line.remove_prefix(std::min(end + 1, line.size()));
+  return token;
+}
+
 CornerRow readCornerRow(std::string_view text, std::string_view filler) {
   CornerRow row;
-  row.x = takeNumber(text, filler, 0.0);
-  row.typ = takeNumber(text, filler, 0.0);
-  row.min = takeNumber(text, filler, row.typ);
-  row.max = takeNumber(text, filler, row.typ);
+  bool isMissing = false;
+  row.x = takeNumber(text, filler, 0.0, isMissing);
+  const auto take = [&](int corner, double fallback) {
+    isMissing = false;
+    const double value = takeNumber(text, filler, fallback, isMissing);
+    if (isMissing) row.missing.set(corner);
+    return value;
+  };
+  row.typ = take(corner::typ, 0.0);
+  row.min = take(corner::min, row.typ);
+  row.max = take(corner::max, row.typ);
   return row;
 }
 
 void readTriple(std::string_view text, IBISTriple& triple) {
-  triple.present = true;
-  triple.typ = parseNumber(takeField(text), 0.0);
-  triple.min = parseNumber(takeField(text), triple.typ);
-  triple.max = parseNumber(takeField(text), triple.typ);
+  triple = {.present = true};
+  triple.typ = takeCorner(text, 0.0, corner::typ, triple.missing);
+  triple.min = takeCorner(text, triple.typ, corner::min, triple.missing);
+  triple.max = takeCorner(text, triple.typ, corner::max, triple.missing);
 }
 
 void readSingleAsTriple(std::string_view text, IBISTriple& triple) {
-  const double value = parseNumber(takeField(text, delimiters::blanksAndEqual), missingSingleValue);
-  triple = {true, value, value, value};
+  const std::string_view field = takeField(text, delimiters::blanksAndEqual);
+  const double value = parseNumber(field, missingSingleValue);
+  triple = {.present = true, .typ = value, .max = value, .min = value};
+  if (!isMissingValue(field)) return;
+  for (int corner = 0; corner < corner::count; ++corner) triple.missing.set(corner);
 }
 
-void readRatio(std::string_view text, double& numerator, double& denominator,
+bool readRatio(std::string_view text, double& numerator, double& denominator,
                double numeratorFallback, double denominatorFallback) {
   if (text == notAvailable) {
     numerator = numeratorFallback;
     denominator = denominatorFallback;
-    return;
+    return false;
   }
+  const bool isGiven = !text.empty();
   numerator = parseNumber(takeField(text, delimiters::slash), numeratorFallback);
   denominator = parseNumber(takeField(text, delimiters::slash), denominatorFallback);
+  return isGiven;
 }
 
 }  // namespace ibis

@@ -4,31 +4,11 @@
 #include <cstdint>
 #include <string_view>
 
+#include "ibis/ibis_string.h"
+#include "ibis/values.h"
 #include "ibis/yvector.h"
 
 namespace ibis {
-
-/// Corners of a triple, a table or a waveform by index; the file's columns are typ, min, max.
-namespace corner {
-inline constexpr int typ = 0;
-inline constexpr int max = 1;
-inline constexpr int min = 2;
-inline constexpr int count = 3;
-}  // namespace corner
-
-/// A typ-min-max value; `present` tells whether the file gave it.
-struct IBISTriple {
-  bool present = false;
-  double typ = 0.0;
-  double max = 0.0;
-  double min = 0.0;
-
-  /// The value at a corner's index; any other index means typ.
-  double at(int index) const {
-    return index == corner::max ? max : index == corner::min ? min : typ;
-  }
-  friend bool operator==(const IBISTriple&, const IBISTriple&) = default;
-};
 
 /// The tokens of one line, in order; a missing token reads as an empty one.
 using Fields = YVector<std::string_view>;
@@ -41,6 +21,11 @@ inline constexpr std::string_view slash = "/";
 }  // namespace delimiters
 
 inline constexpr std::string_view notAvailable = "NA";
+
+/// Whether a field gives no value: NA, or nothing at all.
+inline bool isMissingValue(std::string_view field) {
+  return field.empty() || field == notAvailable;
+}
 
 /// A number and how many characters of the text it took; none for a text that holds no number.
 struct NumberPrefix {
@@ -67,12 +52,16 @@ void splitFields(std::string_view text, Fields& fields, std::int32_t minimumCoun
 std::string_view takeField(std::string_view& text,
                            std::string_view separators = delimiters::blanks);
 
+/// Takes the first word off a line; the one separator behind it goes too, the rest stays.
+IBISString popToken(std::string_view& line);
+
 /// One row of a table or a waveform: a voltage or a time, and a value for each corner.
 struct CornerRow {
   double x = 0.0;
   double typ = 0.0;
   double min = 0.0;
   double max = 0.0;
+  MissingCorners missing = {};
 };
 
 /// Reads "x typ min max"; an NA for min or max takes typ. The filler stands for missing fields.
@@ -85,7 +74,9 @@ void readTriple(std::string_view text, IBISTriple& triple);
 void readSingleAsTriple(std::string_view text, IBISTriple& triple);
 
 /// Reads "dV/dt" into swing and time; NA stores both fallbacks.
-void readRatio(std::string_view text, double& numerator, double& denominator,
+///
+/// Whether the file gives the ratio: false for NA and for no text at all.
+bool readRatio(std::string_view text, double& numerator, double& denominator,
                double numeratorFallback, double denominatorFallback);
 
 }  // namespace ibis

@@ -14,7 +14,7 @@ namespace {
 
 __extension__ using Wide = unsigned __int128;
 
-constexpr int mostDigits = 17;
+constexpr int maxDigits = 17;
 constexpr int mantissaBits = 52;
 constexpr int exponentBias = 1075;
 constexpr int smallestFixedExponent = -4;
@@ -30,7 +30,7 @@ constexpr auto fiveTo = [] {
 }();
 
 constexpr auto tenTo = [] {
-  std::array<std::uint64_t, mostDigits + 1> powers{};
+  std::array<std::uint64_t, maxDigits + 1> powers{};
   powers[0] = 1;
   for (std::size_t i = 1; i < powers.size(); ++i) powers[i] = powers[i - 1] * 10;
   return powers;
@@ -131,7 +131,7 @@ char* writeFixed(char* out, const char* digits, int count, int exponent) {
 }
 
 char* writeDecimal(char* out, const Decimal& decimal, int count) {
-  char digits[mostDigits];
+  char digits[maxDigits];
   writeDigits(digits, decimal.number, count);
   const bool isFixed = decimal.exponent >= smallestFixedExponent && decimal.exponent < count;
   while (count > 1 && digits[count - 1] == '0') --count;
@@ -155,12 +155,11 @@ char* writeNumberText(char* begin, double value, int digits) {
     if (value < 0.0) *begin++ = '-';
     return writeDecimal(begin, decimal, digits);
   }
-  return std::to_chars(begin, begin + longestNumberText, value, std::chars_format::general, digits)
-      .ptr;
+  return std::to_chars(begin, begin + maxNumberText, value, std::chars_format::general, digits).ptr;
 }
 
 std::string numberText(double value, int digits) {
-  char text[longestNumberText];
+  char text[maxNumberText];
   return {text, writeNumberText(text, value, digits)};
 }
 

@@ -6,11 +6,11 @@
 namespace ibis {
 
 /// Room for any number at up to 17 digits: sign, digits, point and exponent.
-inline constexpr std::size_t longestNumberText = 32;
+inline constexpr std::size_t maxNumberText = 32;
 
-/// Writes a number as printf's %.{digits}g does in the "C" locale and gives where it ends.
+/// Writes a number as printf's %.{digits}g does in the "C" locale and returns where it ends.
 ///
-/// There must be room for longestNumberText characters; no NUL is written. A not-a-number is "nan"
+/// There must be room for maxNumberText characters; no NUL is written. A not-a-number is "nan"
 /// whatever its sign bit, which is the compiler's and not the file's.
 char* writeNumberText(char* begin, double value, int digits);
 

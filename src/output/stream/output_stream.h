@@ -1,20 +1,20 @@
 #pragma once
 
 #include <cstdint>
-#include <cstdio>
 #include <memory>
 #include <string>
 #include <string_view>
 
+#include "output/stream/sink.h"
+
 namespace ibis {
 
-/// One open output file; writing never fails visibly until close() tells.
+/// One open output; writing never fails visibly until close() tells.
 class OutputStream {
  public:
-  /// Opens the file for writing, name in UTF-8; null if that fails or would wait for a reader.
-  static std::unique_ptr<OutputStream> open(const std::string& name);
+  /// Begins the output of a name in a sink, which lives longer; null if the sink does not take it.
+  static std::unique_ptr<OutputStream> open(Sink& sink, const std::string& name);
 
-  ~OutputStream();
   OutputStream(const OutputStream&) = delete;
   OutputStream& operator=(const OutputStream&) = delete;
 
@@ -26,11 +26,14 @@ class OutputStream {
   /// As printf's %.{precision}g in the "C" locale; a not-a-number has no sign.
   void writeNumber(double value, int precision);
 
-  /// Hands what was written to the operating system.
+  /// Hands what was written to the sink.
   void flush();
 
-  /// Closes the file; false if anything could not be written.
+  /// Ends the output; false if anything could not be written.
   bool close();
+
+  /// Whether a number was written that is not finite.
+  bool hasNonFinite() const { return hasNonFinite_; }
 
   /// How many characters were written so far.
   std::uint64_t position() const { return flushed_ + used_; }
@@ -43,12 +46,13 @@ class OutputStream {
 
   static constexpr std::size_t bufferSize = 1 << 16;
 
-  std::FILE* file_ = nullptr;
+  std::unique_ptr<SinkTarget> target_;
   std::string name_;
   std::unique_ptr<char[]> buffer_;
   std::size_t used_ = 0;
   std::uint64_t flushed_ = 0;
   bool failed_ = false;
+  bool hasNonFinite_ = false;
 };
 
 }  // namespace ibis

@@ -4,11 +4,20 @@
 #include <cstdarg>
 #include <cstdio>
 
+#include "component/names/name_table.h"
 #include "host/diagnostics/format_message.h"
 
 namespace ibis {
+namespace {
+
+void printTexts(const std::vector<Diagnostic>& list) {
+  for (const Diagnostic& diagnostic : list) std::printf("%s\n", messageText(diagnostic).c_str());
+}
+
+}  // namespace
 
 IBISFile::IBISFile() : data_(std::make_unique<IBISFileData>()) {
+  data_->nameTable = std::make_shared<IBISNameTable>();
   addBuiltInModel("GND", ModelType::gnd);
   addBuiltInModel("POWER", ModelType::power);
   addBuiltInModel("NC", ModelType::nc);
@@ -20,23 +29,23 @@ void IBISFile::addBuiltInModel(const char* name, ModelType type) {
   auto model = std::make_unique<IBISModel>();
   model->name = name;
   model->type = type;
-  data_->nameTable.registerName(name);
-  model->spiceName = data_->nameTable.spiceName(name);
+  data_->nameTable->registerName(name);
+  model->spiceName = data_->nameTable->spiceName(name);
   data_->models.push_back(std::move(model));
 }
 
 void IBISFile::error(const char* format, ...) {
   std::va_list arguments;
   va_start(arguments, format);
-  data_->errors.push_back(formatMessageList(format, arguments));
-  va_end(arguments);
+  const ArgumentsEnd end(arguments);
+  data_->errors.push_back(makeDiagnostic(Severity::error, format, arguments));
 }
 
 void IBISFile::warning(const char* format, ...) {
   std::va_list arguments;
   va_start(arguments, format);
-  data_->warnings.push_back(formatMessageList(format, arguments));
-  va_end(arguments);
+  const ArgumentsEnd end(arguments);
+  data_->warnings.push_back(makeDiagnostic(Severity::warning, format, arguments));
 }
 
 bool IBISFile::hasErrors() const { return !data_->errors.empty(); }
@@ -52,13 +61,13 @@ std::int32_t IBISFile::warningCount() const {
 void IBISFile::printErrors() const {
   if (data_->errors.empty()) return;
   std::fputs("Errors found:\n\n", stdout);
-  for (const std::string& text : data_->errors) std::printf("%s\n", text.c_str());
+  printTexts(data_->errors);
 }
 
 void IBISFile::printWarnings() const {
   if (data_->warnings.empty()) return;
   std::fputs("Warnings found:\n\n", stdout);
-  for (const std::string& text : data_->warnings) std::printf("%s\n", text.c_str());
+  printTexts(data_->warnings);
   std::fputs("\n", stdout);
 }
 

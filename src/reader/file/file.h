@@ -4,54 +4,11 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
-#include "component/names/name_table.h"
 #include "host/diagnostics/error_handler.h"
-#include "ibis/component.h"
-#include "ibis/ibis_string.h"
-#include "ibis/model.h"
-#include "ibis/package_model.h"
+#include "ibis/file.h"
 
 namespace ibis {
-
-/// One choice of a model selector.
-struct IBISModelSelectorRow {
-  IBISString modelName;
-  IBISString description;
-};
-
-/// One [Model Selector]: a name that pins use for one of several models.
-struct IBISModelSelector {
-  IBISString name;
-  std::vector<IBISModelSelectorRow> rows;
-};
-
-/// All that one load holds; lists are in file order.
-struct IBISFileData {
-  std::int32_t version = 0;  ///< Id of the version table, 0 until [IBIS Ver] was read.
-  IBISString fileName;
-  IBISString fileRev;
-  IBISString date;
-  IBISString source;
-  IBISString notes;
-  IBISString disclaimer;
-  IBISString copyright;
-  std::vector<std::unique_ptr<IBISComponent>> components;
-  std::vector<IBISModelSelector> modelSelectors;
-  std::vector<std::unique_ptr<IBISModel>> models;  ///< The three built-in models come first.
-  std::vector<std::unique_ptr<IBISPackageModel>> packageModels;
-  IBISNameTable nameTable;                  ///< Names of components and models.
-  std::vector<IBISString> modelSelections;  ///< The user's selector choices.
-  IBISString userSubcircuitName;
-  IBISString filePath;
-  std::vector<std::string> errors;
-  std::vector<std::string> warnings;
-  StringPool strings;  ///< Texts made while reading.
-};
-
-/// The first package model of exactly this name, or null.
-const IBISPackageModel* findPackageModel(const IBISFileData& data, std::string_view name);
 
 /// The root object of one load: owner of all records and error handler of all readers.
 ///

@@ -2,6 +2,7 @@
 
 #include "component/component_reader.h"
 #include "component/model_selector.h"
+#include "component/names/name_table.h"
 #include "component/pin_resolution.h"
 #include "host/diagnostics/messages.h"
 #include "model/check_models.h"
@@ -15,11 +16,11 @@ bool readVersion(IBISFile& file, const IBISRecord& record) {
   const IBISString text = keywordText(record);
   const VersionRow* row = findVersion(text);
   if (row == nullptr) {
-    file.error(message::unknownVersion, text.str().c_str());
+    file.error(message::unknownVersion, record.line, text.str().c_str());
     return false;
   }
   file.data().version = row->id;
-  if (!row->supported) file.error(message::versionNotSupported, row->text);
+  if (!row->supported) file.error(message::versionNotSupported, record.line, row->text);
   return row->supported;
 }
 
@@ -79,14 +80,14 @@ bool parseHeader(IBISFile& file, IBISRecords records, std::int32_t& index) {
 
 void readComponentSection(IBISFile& file, IBISRecords records, std::int32_t& index) {
   auto component = std::make_unique<IBISComponent>();
-  readComponent(*component, records, index, file.data().nameTable, file);
-  component->nameTable.forgetNames();
+  readComponent(*component, records, index, *file.data().nameTable, file);
+  if (component->nameTable) component->nameTable->forgetNames();
   file.data().components.push_back(std::move(component));
 }
 
 void readModel(IBISFile& file, IBISRecords records, std::int32_t& index) {
   auto model = std::make_unique<IBISModel>();
-  readModelSection(*model, records, index, file.data().nameTable, file);
+  readModelSection(*model, records, index, *file.data().nameTable, file);
   file.data().models.push_back(std::move(model));
 }
 
@@ -94,6 +95,10 @@ void readPackageSection(IBISFile& file, IBISRecords records, std::int32_t& index
   auto model = std::make_unique<IBISPackageModel>();
   readPackageModel(*model, records, index, file);
   file.data().packageModels.push_back(std::move(model));
+}
+
+void readSelector(IBISFile& file, IBISRecords records, std::int32_t& index) {
+  readModelSelector(file.data(), records, index);
 }
 
 using SectionReader = void (*)(IBISFile&, IBISRecords, std::int32_t&);
@@ -106,7 +111,7 @@ struct SectionRow {
 
 constexpr SectionRow sections[] = {
     {keyword::component, readComponentSection},
-    {keyword::modelSelector, readModelSelector},
+    {keyword::modelSelector, readSelector},
     {keyword::model, readModel},
     {keyword::definePackageModel, readPackageSection},
 };
@@ -167,7 +172,7 @@ void parseFile(IBISFile& file, IBISScanner& scanner) {
 
 void postParse(IBISFile& file, std::string_view componentName,
                std::span<const IBISString> pinFilter) {
-  checkUserSelectors(file, file);
+  checkUserSelectors(file.data(), file);
   const ModelFinder models(file.data());
   const PinFilter filter(pinFilter);
   for (const auto& component : file.data().components) {

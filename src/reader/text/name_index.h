@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <span>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "ibis/ibis_string.h"
@@ -31,18 +32,18 @@ class NameIndex {
   static constexpr std::int32_t absent = -1;
 
   std::int32_t size() const { return static_cast<std::int32_t>(names_.size()); }
-  std::string_view name(std::int32_t place) const {
-    return names_[static_cast<std::size_t>(place)];
+  std::string_view name(std::int32_t index) const {
+    return names_[static_cast<std::size_t>(index)];
   }
 
-  /// The place of a name, from 0, or `absent`.
+  /// The index of a name, from 0, or `absent`.
   std::int32_t find(std::string_view name) const {
     if (slots_.empty()) return absent;
     const auto hash = static_cast<std::uint32_t>(Case::hash(name));
     for (std::size_t i = hash & mask();; i = (i + 1) & mask()) {
       const Slot& slot = slots_[i];
-      if (slot.place == absent) return absent;
-      if (slot.hash == hash && Case::equal(this->name(slot.place), name)) return slot.place;
+      if (slot.index == absent) return absent;
+      if (slot.hash == hash && Case::equal(this->name(slot.index), name)) return slot.index;
     }
   }
 
@@ -54,25 +55,25 @@ class NameIndex {
 
   bool contains(std::string_view name) const { return find(name) != absent; }
 
-  /// Adds a name that is not there yet and gives its place.
+  /// Adds a name that is not there yet and returns its index.
   std::int32_t add(std::string_view name) {
     if (!hasRoomFor(names_.size() + 1)) grow();
-    const std::int32_t place = size();
+    const std::int32_t index = size();
     names_.push_back(name);
-    enter({static_cast<std::uint32_t>(Case::hash(name)), place});
-    return place;
+    enter({static_cast<std::uint32_t>(Case::hash(name)), index});
+    return index;
   }
 
-  /// The place of a name, added if it was not there.
+  /// The index of a name, added if it was not there.
   std::int32_t findOrAdd(std::string_view name) {
-    const std::int32_t place = find(name);
-    return place == absent ? add(name) : place;
+    const std::int32_t index = find(name);
+    return index == absent ? add(name) : index;
   }
 
  private:
   struct Slot {
     std::uint32_t hash = 0;
-    std::int32_t place = absent;
+    std::int32_t index = absent;
   };
 
   bool hasRoomFor(std::size_t count) const { return count * 5 <= slots_.size() * 4; }
@@ -80,7 +81,7 @@ class NameIndex {
 
   void enter(Slot slot) {
     std::size_t i = slot.hash & mask();
-    while (slots_[i].place != absent) i = (i + 1) & mask();
+    while (slots_[i].index != absent) i = (i + 1) & mask();
     slots_[i] = slot;
   }
 
@@ -88,7 +89,7 @@ class NameIndex {
     const std::vector<Slot> old = std::move(slots_);
     slots_.assign(old.empty() ? 16 : 2 * old.size(), Slot());
     for (const Slot& slot : old) {
-      if (slot.place != absent) enter(slot);
+      if (slot.index != absent) enter(slot);
     }
   }
 
@@ -96,19 +97,43 @@ class NameIndex {
   std::vector<Slot> slots_;  // a power of two of them, at most four in five in use
 };
 
-/// A running number for each name, 0 at first.
-template <class Case>
-class NameCounters {
+/// A value for each name, found as NameIndex finds it.
+template <class Case, class Value>
+class NameMap {
  public:
-  std::int32_t& operator[](std::string_view name) {
-    const auto place = static_cast<std::size_t>(names_.findOrAdd(name));
-    if (place == counters_.size()) counters_.push_back(0);
-    return counters_[place];
+  std::int32_t size() const { return names_.size(); }
+  bool contains(std::string_view name) const { return names_.contains(name); }
+
+  /// The value of a name, or null.
+  const Value* find(std::string_view name) const {
+    const std::int32_t index = names_.find(name);
+    return index == names_.absent ? nullptr : &values_[static_cast<std::size_t>(index)];
+  }
+
+  /// Gives a name that has none yet its value; false, changing nothing, for one that has one.
+  bool add(std::string_view name, Value value) {
+    if (contains(name)) return false;
+    names_.add(name);
+    values_.push_back(std::move(value));
+    return true;
+  }
+
+  /// The value of a name, made if there is none.
+  Value& operator[](std::string_view name) {
+    const auto index = static_cast<std::size_t>(names_.findOrAdd(name));
+    if (index == values_.size()) values_.emplace_back();
+    return values_[index];
+  }
+
+  /// Makes room for so many names.
+  void reserve(std::size_t count) {
+    names_.reserve(count);
+    values_.reserve(count);
   }
 
  private:
   NameIndex<Case> names_;
-  std::vector<std::int32_t> counters_;
+  std::vector<Value> values_;
 };
 
 }  // namespace ibis

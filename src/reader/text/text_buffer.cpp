@@ -7,8 +7,6 @@
 #include <cstring>
 #include <limits>
 
-#include "support/files.h"
-
 namespace ibis {
 namespace {
 
@@ -20,13 +18,13 @@ using OpenFile = std::unique_ptr<std::FILE, FileCloser>;
 bool isRegular(const struct stat& status) { return S_ISREG(status.st_mode); }
 
 // Looks before it opens, since opening a pipe that nobody writes to would block the host.
-OpenFile openRegularFile(const std::string& name, struct stat& status) {
+OpenFile openRegularFile(const std::string& name, OpenFunction open, struct stat& status) {
   if (stat(name.c_str(), &status) != 0 || !isRegular(status)) return nullptr;
   std::FILE* file = nullptr;
-  if (fopen_s_utf8(&file, name.c_str(), "rb") != 0) return nullptr;
-  OpenFile open(file);
+  if (open(&file, name.c_str(), "rb") != 0) return nullptr;
+  OpenFile opened(file);
   if (fstat(fileno(file), &status) != 0 || !isRegular(status)) return nullptr;
-  return open;
+  return opened;
 }
 
 // The scanner knows line feeds alone; a carriage return ahead of one stays, and is dropped there.
@@ -41,10 +39,10 @@ void convertLoneCarriageReturns(char* text, std::size_t size) {
 
 }  // namespace
 
-bool TextBuffer::loadFile(const std::string& name) {
+bool TextBuffer::loadFile(const std::string& name, OpenFunction open) {
   clear();
   struct stat status {};
-  const OpenFile file = openRegularFile(name, status);
+  const OpenFile file = openRegularFile(name, open, status);
   if (!file || status.st_size >= std::numeric_limits<std::int32_t>::max()) return false;
   const auto size = static_cast<std::size_t>(status.st_size);
   auto bytes = std::make_unique_for_overwrite<char[]>(size + 1);
@@ -68,6 +66,10 @@ void TextBuffer::assign(std::string_view text) {
   std::copy(text.begin(), text.end(), bytes_.get());
   bytes_[text.size()] = '\0';
   size_ = static_cast<std::int32_t>(text.size());
+}
+
+void TextBuffer::convertLineEnds() {
+  convertLoneCarriageReturns(bytes_.get(), static_cast<std::size_t>(size_));
 }
 
 void TextBuffer::seek(std::int32_t index) { position_ = std::clamp(index, 0, size_); }

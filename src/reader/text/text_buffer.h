@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "reader/text/open_file.h"
+
 namespace ibis {
 
 /// One text in memory with a reading position: an IBIS file, or a template.
@@ -20,7 +22,10 @@ class TextBuffer {
   ///
   /// False for a file that cannot be opened, is no regular file, holds 2^31 - 1 bytes or more, or
   /// yields fewer bytes than its size; the buffer is then empty. The name is UTF-8.
-  bool loadFile(const std::string& name);
+  bool loadFile(const std::string& name, OpenFunction open = openFile);
+
+  /// Turns lone carriage returns into line feeds, as loadFile() does.
+  void convertLineEnds();
 
   /// Frees the text.
   void clear();
@@ -40,23 +45,15 @@ class TextBuffer {
 
   /// The character that read() would give, without moving.
   char peek() const {
-    std::int32_t place = position_;
-    while (place < size_ && bytes_[static_cast<std::size_t>(place)] == '\r') ++place;
-    return place < size_ ? bytes_[static_cast<std::size_t>(place)] : '\0';
-  }
-
-  /// The characters up to the next blank, tab, line end, percent sign, NUL or byte above 0x7f.
-  std::string_view readPlain() {
-    const std::int32_t begin = position_;
-    while (isPlain(current())) ++position_;
-    return {bytes_.get() + begin, static_cast<std::size_t>(position_ - begin)};
+    std::int32_t index = position_;
+    while (index < size_ && bytes_[static_cast<std::size_t>(index)] == '\r') ++index;
+    return index < size_ ? bytes_[static_cast<std::size_t>(index)] : '\0';
   }
 
   /// Moves the position, kept between 0 and the size.
   void seek(std::int32_t index);
 
  private:
-  static bool isPlain(char c) { return static_cast<signed char>(c) > ' ' && c != '%'; }
   char current() const { return bytes_ ? bytes_[static_cast<std::size_t>(position_)] : '\0'; }
 
   std::unique_ptr<char[]> bytes_;  // size_ characters and a NUL

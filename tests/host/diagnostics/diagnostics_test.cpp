@@ -2,6 +2,7 @@
 
 #include "harness/harness.h"
 #include "host/diagnostics/error_handler.h"
+#include "host/diagnostics/messages.h"
 #include "ibis/yvector.h"
 
 namespace ibis::testing {
@@ -83,8 +84,8 @@ TEST(Diagnostics, AreCountedAndKeptInTheOrderOfTheCalls) {
   handler.warning("late %c%c", 'o', 'k');
   EXPECT_EQ(file.errorCount(), 1);
   EXPECT_EQ(file.warningCount(), 2);
-  EXPECT_EQ(file.data().errors, Texts({"error 7"}));
-  EXPECT_EQ(file.data().warnings, Texts({"early warning", "late ok"}));
+  EXPECT_EQ(texts(file.data().errors), Texts({"error 7"}));
+  EXPECT_EQ(texts(file.data().warnings), Texts({"early warning", "late ok"}));
 }
 
 TEST(Diagnostics, StandTwiceWhenReportedTwice) {
@@ -93,15 +94,15 @@ TEST(Diagnostics, StandTwiceWhenReportedTwice) {
     file.error("same");
     file.warning("same too");
   }
-  EXPECT_EQ(file.data().errors, Texts({"same", "same"}));
-  EXPECT_EQ(file.data().warnings, Texts({"same too", "same too"}));
+  EXPECT_EQ(texts(file.data().errors), Texts({"same", "same"}));
+  EXPECT_EQ(texts(file.data().warnings), Texts({"same too", "same too"}));
 }
 
 TEST(Diagnostics, HaveNoLimitOfNumber) {
   IBISFile file;
   for (int i = 0; i < 20000; ++i) file.error("message %d", i);
   EXPECT_EQ(file.errorCount(), 20000);
-  EXPECT_EQ(file.data().errors.back(), "message 19999");
+  EXPECT_EQ(texts(file.data().errors).back(), "message 19999");
 }
 
 TEST(Diagnostics, AreNoErrorsInAFreshFile) {
@@ -138,7 +139,7 @@ TEST(Diagnostics, GetNothingAddedToTheirText) {
   IBISFile file;
   file.error(" padded \n");
   file.error("%s", "");
-  EXPECT_EQ(file.data().errors, Texts({" padded \n", ""}));
+  EXPECT_EQ(texts(file.data().errors), Texts({" padded \n", ""}));
 }
 
 TEST(Diagnostics, AreCutTo1023Bytes) {
@@ -148,9 +149,9 @@ TEST(Diagnostics, AreCutTo1023Bytes) {
     file.warning("ab%s", std::string(length, 'x').c_str());
   }
   const std::string full(1023, 'x');
-  EXPECT_EQ(file.data().errors, Texts({full.substr(1), full, full, full}));
+  EXPECT_EQ(texts(file.data().errors), Texts({full.substr(1), full, full, full}));
   const std::string prefixed = "ab" + std::string(1021, 'x');
-  EXPECT_EQ(file.data().warnings,
+  EXPECT_EQ(texts(file.data().warnings),
             Texts({"ab" + full.substr(1).substr(0, 1021), prefixed, prefixed, prefixed}));
 }
 
@@ -161,8 +162,8 @@ TEST(Diagnostics, FoldAMessageThatIsAReservedWord) {
     file.warning("%s", text);
   }
   const Texts folded = {"GND", "POWER", "NC", "NA", "gnd ", "ground"};
-  EXPECT_EQ(file.data().errors, folded);
-  EXPECT_EQ(file.data().warnings, folded);
+  EXPECT_EQ(texts(file.data().errors), folded);
+  EXPECT_EQ(texts(file.data().warnings), folded);
 }
 
 TEST(Diagnostics, BelongToOneFile) {
@@ -170,7 +171,7 @@ TEST(Diagnostics, BelongToOneFile) {
   const IBISFile other;
   one.error("an error");
   EXPECT_FALSE(other.hasErrors());
-  EXPECT_EQ(other.data().errors, Texts());
+  EXPECT_EQ(texts(other.data().errors), Texts());
 }
 
 TEST(KelvrantException, CarriesCode8AndItsText) {
@@ -191,6 +192,33 @@ TEST(KelvrantException, IsAPlainRecord) {
   EXPECT_FALSE(std::is_polymorphic_v<KelvrantException>);
   EXPECT_TRUE(std::is_trivially_copyable_v<KelvrantException>);
   EXPECT_EQ(sizeof(KelvrantException::message), 1000u);
+}
+
+TEST(Diagnostics, KnowTheirMessageAndItsLine) {
+  IBISFile file;
+  file.error(message::loadFailed, "std::bad_alloc");
+  file.error(message::duplicatePackagePin, 7, "A1");
+  file.warning(message::pointsRemoved, "Pullup", 12);
+  file.warning(message::vinlDefault, 3, "X");
+  file.error(message::cannotOpenOutput, "a.lb");
+  EXPECT_MESSAGES(file.data().errors, "Load failed: std::bad_alloc", "Line 7: duplicate pin 'A1'",
+                  "Cannot open output file 'a.lb'\n");
+  EXPECT_MESSAGES(file.data().warnings,
+                  "Non-monotonic or constant points removed from Pullup table starting line 12",
+                  "Model 'X': Vinl not defined using default 0.8V");
+  const auto fields = [](const Diagnostic& each) {
+    return std::string(each.id) + '/' + std::to_string(each.line) + '/' + each.text;
+  };
+  EXPECT_EQ(fields(file.data().errors[0]), "load-failed/0/Load failed: std::bad_alloc");
+  EXPECT_EQ(fields(file.data().errors[1]), "duplicate-package-pin/7/duplicate pin 'A1'");
+  EXPECT_EQ(fields(file.data().errors[2]), "cannot-open-output/0/Cannot open output file 'a.lb'");
+  EXPECT_EQ(fields(file.data().warnings[0]),
+            "points-removed/12/Non-monotonic or constant points removed from Pullup table starting "
+            "line 12");
+  EXPECT_EQ(fields(file.data().warnings[1]),
+            "vinl-default/3/Model 'X': Vinl not defined using default 0.8V");
+  EXPECT_EQ(file.data().errors[1].severity, Severity::error);
+  EXPECT_EQ(file.data().warnings[1].severity, Severity::warning);
 }
 
 }  // namespace

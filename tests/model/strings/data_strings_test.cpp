@@ -12,11 +12,12 @@ namespace {
 // What a writer puts into a file.
 template <class Writer>
 std::string written(Writer write) {
-  const TemporaryFolder folder;
-  const std::unique_ptr<OutputStream> out = OutputStream::open(folder.file("out"));
+  MemorySink sink;
+  const std::unique_ptr<OutputStream> out = OutputStream::open(sink, "out");
   write(*out);
   EXPECT_TRUE(out->close());
-  return readWholeFile(folder.file("out"));
+  EXPECT_TRUE(sink.keep("out"));
+  return sink.files().at("out");
 }
 
 std::string pairs(const YVector<double>& x, const YVector<double>& y, std::int32_t indent,

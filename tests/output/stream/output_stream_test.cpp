@@ -15,11 +15,12 @@ namespace {
 // What a writer puts into a file.
 template <class Writer>
 std::string written(Writer write) {
-  const TemporaryFolder folder;
-  const std::unique_ptr<OutputStream> out = OutputStream::open(folder.file("out"));
+  MemorySink sink;
+  const std::unique_ptr<OutputStream> out = OutputStream::open(sink, "out");
   write(*out);
   EXPECT_TRUE(out->close());
-  return readWholeFile(folder.file("out"));
+  EXPECT_TRUE(sink.keep("out"));
+  return sink.files().at("out");
 }
 
 std::string writtenNumber(double value, int precision) {
@@ -57,27 +58,15 @@ TEST(OutputStream, WritesAnEmptyFile) {
   EXPECT_EQ(written([](OutputStream&) {}), "");
 }
 
-TEST(OutputStream, ReplacesWhatTheFileHeld) {
-  const TemporaryFolder folder;
-  writeWholeFile(folder.file("out"), "old and long");
-  const auto out = OutputStream::open(folder.file("out"));
-  out->write("new");
-  EXPECT_TRUE(out->close());
-  EXPECT_EQ(readWholeFile(folder.file("out")), "new");
-}
-
 TEST(OutputStream, KeepsItsName) {
-  const TemporaryFolder folder;
-  const std::string name = folder.file("d\xc3\xa9j\xc3\xa0 vu");
-  EXPECT_EQ(OutputStream::open(name)->name(), name);
-  EXPECT_EQ(folder.contents(), (std::map<std::string, std::string>{{"d\xc3\xa9j\xc3\xa0 vu", ""}}));
+  MemorySink sink;
+  EXPECT_EQ(OutputStream::open(sink, "d\xc3\xa9j\xc3\xa0 vu")->name(), "d\xc3\xa9j\xc3\xa0 vu");
 }
 
-TEST(OutputStream, IsNullForAFileThatCannotBeOpened) {
-  const TemporaryFolder folder;
-  EXPECT_EQ(OutputStream::open(folder.file("missing/out")), nullptr);
-  EXPECT_EQ(OutputStream::open(folder.path()), nullptr);
-  EXPECT_EQ(OutputStream::open(""), nullptr);
+TEST(OutputStream, IsNullForANameThatTheSinkRefuses) {
+  MemorySink sink;
+  sink.refused = {"out"};
+  EXPECT_EQ(OutputStream::open(sink, "out"), nullptr);
 }
 
 TEST(OutputStream, WritesBlanks) {
@@ -142,8 +131,8 @@ TEST(OutputStream, WritesALongTextBehindAShortOne) {
 }
 
 TEST(OutputStream, CountsWhatWasWritten) {
-  const TemporaryFolder folder;
-  const auto out = OutputStream::open(folder.file("out"));
+  MemorySink sink;
+  const auto out = OutputStream::open(sink, "out");
   EXPECT_EQ(out->position(), 0U);
   out->write("abc");
   EXPECT_EQ(out->position(), 3U);
@@ -160,37 +149,70 @@ TEST(OutputStream, CountsWhatWasWritten) {
   EXPECT_EQ(out->position(), 200018U);
 }
 
+// Keeps what it was handed where a test can look at it.
+class Shown final : public Sink {
+ public:
+  class Target final : public SinkTarget {
+   public:
+    explicit Target(Shown& sink) : sink_(sink) {}
+    bool write(std::string_view text) override {
+      sink_.text += text;
+      return !sink_.fails;
+    }
+    bool close() override {
+      ++sink_.closed;
+      return true;
+    }
+
+   private:
+    Shown& sink_;
+  };
+
+  std::unique_ptr<SinkTarget> open(const std::string&) override {
+    return std::make_unique<Target>(*this);
+  }
+  bool keep(const std::string&) override { return true; }
+
+  std::string text;
+  int closed = 0;
+  bool fails = false;
+};
+
 TEST(OutputStream, HandsItsTextOverWhenFlushed) {
-  const TemporaryFolder folder;
-  const auto out = OutputStream::open(folder.file("out"));
+  Shown sink;
+  const auto out = OutputStream::open(sink, "out");
   out->write("abc");
+  EXPECT_EQ(sink.text, "");
   out->flush();
-  EXPECT_EQ(readWholeFile(folder.file("out")), "abc");
+  EXPECT_EQ(sink.text, "abc");
   out->write("def");
   out->flush();
-  EXPECT_EQ(readWholeFile(folder.file("out")), "abcdef");
+  EXPECT_EQ(sink.text, "abcdef");
   EXPECT_TRUE(out->close());
 }
 
-TEST(OutputStream, WritesTheRestWhenDestroyed) {
-  const TemporaryFolder folder;
-  OutputStream::open(folder.file("out"))->write("abc");
-  EXPECT_EQ(readWholeFile(folder.file("out")), "abc");
+TEST(OutputStream, GivesItsTextUpWhenDestroyed) {
+  Shown sink;
+  OutputStream::open(sink, "out")->write("abc");
+  EXPECT_EQ(sink.text, "");
+  EXPECT_EQ(sink.closed, 0);
 }
 
 TEST(OutputStream, ClosesOnceAndKeepsTheAnswer) {
-  const TemporaryFolder folder;
-  const auto out = OutputStream::open(folder.file("out"));
+  Shown sink;
+  const auto out = OutputStream::open(sink, "out");
   out->write("abc");
   EXPECT_TRUE(out->close());
   EXPECT_TRUE(out->close());
-  EXPECT_EQ(readWholeFile(folder.file("out")), "abc");
+  EXPECT_EQ(sink.text, "abc");
+  EXPECT_EQ(sink.closed, 1);
 }
 
-TEST(OutputStream, TellsOfAFullDiskWhenClosed) {
+TEST(OutputStream, TellsWhenClosedOfAWriteThatFailed) {
   for (std::size_t size : {1U, 5000U, 65536U, 300000U}) {
-    const auto out = OutputStream::open("/dev/full");
-    ASSERT_NE(out, nullptr);
+    MemorySink sink;
+    sink.room = 0;
+    const auto out = OutputStream::open(sink, "out");
     out->write(longText(size));
     EXPECT_EQ(out->position(), size);
     EXPECT_FALSE(out->close()) << size;
@@ -198,18 +220,29 @@ TEST(OutputStream, TellsOfAFullDiskWhenClosed) {
   }
 }
 
-TEST(OutputStream, TellsOfAFullDiskWhenFlushedBefore) {
-  const auto out = OutputStream::open("/dev/full");
-  ASSERT_NE(out, nullptr);
+TEST(OutputStream, TellsWhenClosedOfAFlushThatFailed) {
+  MemorySink sink;
+  sink.room = 4999;
+  const auto out = OutputStream::open(sink, "out");
   out->write(longText(5000));
   out->flush();
   EXPECT_FALSE(out->close());
 }
 
-TEST(OutputStream, TakesAFullDiskForEnoughRoomForNothing) {
-  const auto out = OutputStream::open("/dev/full");
-  ASSERT_NE(out, nullptr);
-  EXPECT_TRUE(out->close());
+TEST(OutputStream, TakesASinkWithoutRoomForEnoughRoomForNothing) {
+  MemorySink sink;
+  sink.room = 0;
+  EXPECT_TRUE(OutputStream::open(sink, "out")->close());
+}
+
+TEST(OutputStream, KnowsWhetherANumberWasNotFinite) {
+  MemorySink sink;
+  const auto out = OutputStream::open(sink, "out");
+  out->writeNumber(1e308, 12);
+  EXPECT_FALSE(out->hasNonFinite());
+  out->writeNumber(std::nan(""), 12);
+  out->writeNumber(1.0, 12);
+  EXPECT_TRUE(out->hasNonFinite());
 }
 
 TEST(OutputStreamNumber, IsWrittenInTheShorterForm) {

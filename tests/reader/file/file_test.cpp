@@ -18,7 +18,7 @@ TEST(IBISFile, BeginsWithTheBuiltInModels) {
     EXPECT_EQ(models[i]->spiceName, names[i]);
     EXPECT_EQ(models[i]->type, types[i]);
     EXPECT_EQ(static_cast<int>(models[i]->type), 20 + static_cast<int>(i));
-    EXPECT_EQ(file.data().nameTable.spiceName(names[i]), names[i]);
+    EXPECT_EQ(file.data().nameTable->spiceName(names[i]), names[i]);
   }
 }
 
@@ -35,8 +35,8 @@ TEST(IBISFile, BeginsWithAllElseEmpty) {
   EXPECT_TRUE(data.modelSelectors.empty());
   EXPECT_TRUE(data.packageModels.empty());
   EXPECT_TRUE(data.modelSelections.empty());
-  EXPECT_EQ(data.errors, Texts());
-  EXPECT_EQ(data.warnings, Texts());
+  EXPECT_EQ(texts(data.errors), Texts());
+  EXPECT_EQ(texts(data.warnings), Texts());
 }
 
 TEST(IBISFile, IsTheErrorHandlerAndIsNotCopied) {
@@ -55,9 +55,9 @@ TEST(IBISFile, LetsAComponentShareTheNameOfABuiltInModel) {
 TEST(IBISFile, SharesNothingWithAnother) {
   IBISFile one;
   const IBISFile other;
-  one.data().nameTable.registerName("a-b");
+  one.data().nameTable->registerName("a-b");
   one.addUserModelSelector("x");
-  EXPECT_EQ(other.data().nameTable.spiceName("a-b"), "");
+  EXPECT_EQ(other.data().nameTable->spiceName("a-b"), "");
   EXPECT_TRUE(other.data().modelSelections.empty());
   EXPECT_NE(one.data().models[0].get(), other.data().models[0].get());
 }

@@ -202,7 +202,7 @@ TEST(Driver, AppendsSectionsInFileOrder) {
 
 TEST(Driver, EntersComponentsAndModelsInTheNameTable) {
   Parsed parsed(goodHead + "[Component] a-b\n[Model] a.b\n[Define Package Model] p-q\n");
-  const IBISNameTable& names = parsed.data().nameTable;
+  const IBISNameTable& names = *parsed.data().nameTable;
   EXPECT_EQ(names.spiceName("a-b"), "a_b");
   EXPECT_EQ(names.spiceName("a.b"), "a_b_1");
   EXPECT_EQ(names.spiceName("p-q"), "");

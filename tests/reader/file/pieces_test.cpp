@@ -78,8 +78,8 @@ TEST(Pieces, ReadAsTheWholeText) {
     IBISFile file;
     IBISScanner scanner(text, 1);
     parseFile(file, scanner);
-    EXPECT_EQ(file.data().errors, whole.errors());
-    EXPECT_EQ(file.data().warnings, whole.warnings());
+    EXPECT_EQ(texts(file.data().errors), whole.errors());
+    EXPECT_EQ(texts(file.data().warnings), whole.warnings());
     ASSERT_EQ(file.data().components.size(), whole.data().components.size());
     EXPECT_EQ(file.data().modelSelectors.size(), whole.data().modelSelectors.size());
     EXPECT_EQ(file.data().packageModels.size(), whole.data().packageModels.size());
@@ -101,7 +101,7 @@ TEST(Pieces, OfALargeFileAreReadAll) {
   IBISFile file;
   IBISScanner scanner(text);
   parseFile(file, scanner);
-  EXPECT_EQ(file.data().errors, Texts());
+  EXPECT_EQ(texts(file.data().errors), Texts());
   EXPECT_EQ(file.data().components[0]->pins.size(), 5000u);
   ASSERT_EQ(file.data().models.size(), 3003u);
   EXPECT_EQ(file.data().models.back()->name, "M2999");

@@ -92,19 +92,31 @@ TEST(NameIndex, KeepsEveryNameWhileItGrows) {
   EXPECT_EQ(index.find("A50000"), -1);
 }
 
-TEST(NameCounters, StartAtZeroForEachName) {
-  NameCounters<ExactCase> counters;
+TEST(NameMap, MakesAnEmptyValueForANewName) {
+  NameMap<ExactCase, std::int32_t> counters;
   EXPECT_EQ(++counters["a"], 1);
   EXPECT_EQ(++counters["a"], 2);
   EXPECT_EQ(++counters["A"], 1);
   EXPECT_EQ(counters["b"], 0);
   EXPECT_EQ(counters["a"], 2);
+  EXPECT_EQ(counters.size(), 3);
 }
 
-TEST(NameCounters, AreSharedByCasesIfToldSo) {
-  NameCounters<IgnoringCase> counters;
+TEST(NameMap, SharesAValueByCasesIfToldSo) {
+  NameMap<IgnoringCase, std::int32_t> counters;
   EXPECT_EQ(++counters["clk"], 1);
   EXPECT_EQ(++counters["CLK"], 2);
+}
+
+TEST(NameMap, KeepsTheFirstValueThatIsAdded) {
+  NameMap<ExactCase, std::int32_t> map;
+  EXPECT_EQ(map.find("a"), nullptr);
+  EXPECT_TRUE(map.add("a", 1));
+  EXPECT_FALSE(map.add("a", 2));
+  ASSERT_NE(map.find("a"), nullptr);
+  EXPECT_EQ(*map.find("a"), 1);
+  EXPECT_TRUE(map.contains("a"));
+  EXPECT_FALSE(map.contains("A"));
 }
 
 }  // namespace

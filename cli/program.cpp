@@ -1,0 +1,55 @@
+#include "program.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+
+#include "call_command.h"
+#include "convert_command.h"
+#include "exit_status.h"
+#include "ibis/exception.h"
+
+namespace ibis::cli {
+namespace {
+
+constexpr const char* details = R"(Exit status: 0 done; 1 errors, or nothing written; 2 wrong use.
+
+Examples:
+  ibis-load convert buffer.ibs -o out
+  ibis-load convert --help)";
+
+int runCommandLine(int count, char** words) {
+  CLI::App program("Turns IBIS files into SPICE libraries.", "ibis-load");
+  program.set_version_flag("--version", IBIS_LOAD_VERSION, "Print the version and exit");
+  program.require_subcommand(1);
+  program.footer(details);
+  ConvertOptions convertOptions;
+  CallOptions callOptions;
+  const CLI::App* convertCommand = addConvertCommand(program, convertOptions);
+  addCallCommand(program, callOptions);
+  try {
+    program.parse(count, words);
+  } catch (const CLI::ParseError& end) {
+    return program.exit(end) == 0 ? exitStatus::done : exitStatus::wrongUse;
+  }
+  return convertCommand->parsed() ? runConvert(convertOptions) : runCall(callOptions);
+}
+
+int fail(const char* reason) {
+  std::cerr << "ibis-load: error: " << reason << '\n';
+  return exitStatus::failed;
+}
+
+}  // namespace
+
+int runProgram(int count, char** words) {
+  try {
+    const int status = runCommandLine(count, words);
+    return std::cout.flush() ? status : fail("cannot write to standard output");
+  } catch (const std::exception& fault) {
+    return fail(fault.what());
+  } catch (const KelvrantException& fault) {
+    return fail(fault.message);
+  }
+}
+
+}  // namespace ibis::cli

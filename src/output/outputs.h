@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "output/template_engine.h"
+
+namespace ibis {
+
+/// What a load writes.
+enum class OutputMode : std::uint8_t { script, model, symbol, package, unknown };
+
+/// What the names of output files are made from.
+struct OutputPlace {
+  std::string rootDirectory;
+  std::string subcircuit;          ///< As the user gave it.
+  std::string spiceComponentName;  ///< Empty without a component.
+};
+
+/// One output of a load.
+struct Output {
+  OutputMode mode;
+  std::string_view word;                        ///< What a request calls it by, in any case.
+  std::string_view summary;                     ///< What it writes, for help texts.
+  std::span<const std::string_view> templates;  ///< In the order of their expansion.
+
+  /// The files that it writes, in the order of writing.
+  std::vector<std::string> (*names)(const Output& output, const OutputPlace& place);
+
+  /// Writes them all.
+  void (*write)(const Output& output, TemplateEngine& engine);
+};
+
+/// Every output, in the order in which a request's word is looked up.
+std::span<const Output> outputTable();
+
+/// The mode that a text names in any case; the empty text names `model`.
+OutputMode outputMode(std::string_view text);
+
+/// The row of a mode, or null for `unknown`.
+const Output* findOutput(OutputMode mode);
+
+/// Whether the names of an output's files hold the subcircuit's.
+bool isNamedBySubcircuit(const Output& output);
+
+/// The name of a file as a template has it, with its three words replaced, each once.
+std::string fileName(std::string_view word, const OutputPlace& place);
+
+}  // namespace ibis

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+
+#include "output/stream/sink.h"
+#include "reader/text/open_file.h"
+
+namespace ibis {
+
+/// Writes files: beside the place that they take, which they do when they are whole.
+///
+/// A name that leads to anything but a regular file (a link, a pipe, a device), or into a folder
+/// that takes no further file, is written in place. A file that is replaced keeps its mode, and its
+/// owner as far as the process may give it. A pipe that nobody reads cannot be opened.
+class FileSink : public Sink {
+ public:
+  /// Opens files by this function.
+  explicit FileSink(OpenFunction opener = openFile);
+  ~FileSink() override;
+  FileSink(const FileSink&) = delete;
+  FileSink& operator=(const FileSink&) = delete;
+
+  std::unique_ptr<SinkTarget> open(const std::string& name) override;
+  bool keep(const std::string& name) override;
+
+ protected:
+  /// Removes what is beside its place; a derived class that is told of it calls this as it dies.
+  void discardAll();
+
+  /// Called before a file beside its place is made, and after it is gone or in its place.
+  virtual void announce(const std::string& /*temporary*/) {}
+  virtual void forget(const std::string& /*temporary*/) {}
+
+ private:
+  std::unique_ptr<SinkTarget> openBeside(const std::string& name, bool& cannotBe);
+  void discard(const std::string& temporary);
+
+  OpenFunction open_;
+  std::uint64_t key_;                        // of this sink's names beside their place
+  std::uint64_t count_ = 0;                  // of those made
+  std::map<std::string, std::string> made_;  // name to what is beside it
+};
+
+}  // namespace ibis
