@@ -8,18 +8,9 @@
 #include "ibis/api.h"
 #include "ibis/diagnostic.h"
 #include "ibis/file.h"
+#include "ibis/read_options.h"
 
 namespace ibis {
-
-/// What a reader may allow beyond the rules of a simulator's load.
-struct ReadOptions {
-  /// Versions 5.0 to 7.2 are read as far as 4.2 goes; keywords that came later are passed over with
-  /// all that belongs to them, each kind told once with its line.
-  bool newerVersions = false;
-
-  /// What a load refuses is left out or read as far as the records go, and told as a warning.
-  bool keepGoing = false;
-};
 
 /// A file that was read, with all that was found wrong with it.
 ///

@@ -84,6 +84,7 @@ struct IBISModel {
   IBISString name;
   IBISString spiceName;
   ModelType type = ModelType::unknown;
+  bool isSound = true;  ///< False for a model that a load refuses; it is read as far as it goes.
   IBISTriple cComp, cCompPullup, cCompPulldown, cCompPowerClamp, cCompGndClamp;
   std::int32_t polarity = 0;  ///< 0 Non-Inverting, 1 Inverting, 2 any other word.
   std::int32_t enable = 0;    ///< 0 Active-High, 1 Active-Low, 2 any other word.

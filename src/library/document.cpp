@@ -21,9 +21,9 @@ struct Document::Content {
   void sortDiagnostics();
 };
 
-void Document::Content::readRecords(const ReadOptions& /*options*/) {
-  scanner.emplace(text.text());
-  parseFile(file, *scanner);
+void Document::Content::readRecords(const ReadOptions& options) {
+  scanner.emplace(text.text(), IBISScanner::usualPiece, options.newerVersions);
+  parseFile(file, *scanner, options);
   scanner->dropPiece();
   if (!file.hasErrors()) postParse(file, {}, {});
 }

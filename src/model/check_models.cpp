@@ -44,7 +44,11 @@ bool checkModel(const IBISModel& model, IBISErrorHandler& errors) {
 
 void checkModels(std::span<IBISModel* const> models, IBISErrorHandler& errors) {
   for (IBISModel* model : models) {
-    if (!checkModel(*model, errors) || isBuiltIn(model->type)) continue;
+    if (!checkModel(*model, errors)) {
+      model->isSound = false;
+      continue;
+    }
+    if (isBuiltIn(model->type)) continue;
     resolveReferences(*model, errors);
     applyInputDefaults(*model, errors);
     estimateWaveforms(*model, errors);

@@ -112,6 +112,7 @@ void readModelType(IBISModel& model, std::string_view line, std::int32_t lineNum
   bool supported = false;
   model.type = modelTypeFromWord(popToken(line), supported);
   if (supported) return;
+  model.isSound = false;
   errors.error(message::modelTypeNotSupported, lineNumber, modelTypeRow(model.type).name);
 }
 
@@ -217,7 +218,8 @@ class SectionReader {
 
   bool isOn() const { return state_ == SeriesState::on; }
 
-  void reportNotSupported() const {
+  void reportNotSupported() {
+    model_.isSound = false;
     errors_.error(message::modelKeywordNotSupported, record().line, model_.name.str().c_str(),
                   keywordName(record().keyword).str().c_str());
   }

@@ -53,10 +53,13 @@ bool resolveReferences(IBISModel& model, IBISErrorHandler& errors) {
   takeGround(model.gndClampReference);
   const bool isComplete =
       model.voltageRange.present || reportUnreferenced(model, name.c_str(), errors);
+  if (!isComplete) model.isSound = false;
   if (!sameCorners(model.pullupReference, model.powerClampReference)) {
+    model.isSound = false;
     errors.error(message::pullupReferenceDiffers, model.lineNumber, name.c_str());
   }
   if (!sameCorners(model.pulldownReference, model.gndClampReference)) {
+    model.isSound = false;
     errors.error(message::pulldownReferenceDiffers, model.lineNumber, name.c_str());
   }
   return isComplete;

@@ -24,10 +24,16 @@ std::int32_t lookUp(std::string_view name) {
   return keywordId({spaced, name.size()});
 }
 
+std::string withBlanks(std::string_view name) {
+  std::string text(name);
+  std::ranges::replace(text, '_', ' ');
+  return text;
+}
+
 }  // namespace
 
-IBISScanner::IBISScanner(std::string_view text, std::size_t minRecords)
-    : minRecords_(std::max<std::size_t>(minRecords, 1)) {
+IBISScanner::IBISScanner(std::string_view text, std::size_t minRecords, bool passesLater)
+    : minRecords_(std::max<std::size_t>(minRecords, 1)), passesLater_(passesLater) {
   text = text.substr(0, text.find('\0'));
   cursor_ = text.data();
   end_ = text.data() + text.size();
@@ -53,7 +59,8 @@ void IBISScanner::scanLine() {
     scanKeyword();
   } else {
     const IBISRecord record = readRecordLine(keyword::dataLine, commentChar_);
-    if (!trimBlanks(record.text()).empty()) result_.records.push_back(record);
+    if (passing_ == nullptr && !trimBlanks(record.text()).empty())
+      result_.records.push_back(record);
   }
 }
 
@@ -64,6 +71,10 @@ void IBISScanner::scanKeyword() {
   const auto* close = static_cast<const char*>(rest ? std::memchr(begin, ']', rest) : nullptr);
   const std::string_view name(begin, static_cast<std::size_t>((close ? close : end_) - begin));
   const std::int32_t id = lookUp(name);
+  if (passing_ != nullptr && id != keyword::commentChar && passesOver(name, id)) {
+    cursor_ = close ? close + 1 : end_;
+    return skipLine();
+  }
   if (endsPiece(id)) {
     pieceEnded_ = true;
     --line_;  // to be scanned again
@@ -71,8 +82,7 @@ void IBISScanner::scanKeyword() {
   }
   cursor_ = close ? close + 1 : end_;
   if (id == keyword::none) {
-    reportUnknown(name);
-    skipLine();
+    takeUnknown(name);
   } else if (id == keyword::commentChar) {
     readCommentChar();
   } else {
@@ -91,12 +101,27 @@ bool IBISScanner::endsPiece(std::int32_t id) {
   return ends;
 }
 
+// Whether the keyword belongs to the one that is passed over. A section begins whatever is open.
+bool IBISScanner::passesOver(std::string_view name, std::int32_t id) {
+  const std::string_view last = passing_->last;
+  const bool isLast = equalIgnoringCase(withBlanks(name), last);
+  const bool belongs = !last.empty() && !endsSection(id);
+  if (!belongs || isLast) passing_ = nullptr;
+  return belongs;
+}
+
+void IBISScanner::takeUnknown(std::string_view name) {
+  reportUnknown(name);
+  skipLine();
+  if (!passesLater_) return;
+  passing_ = findLaterKeyword(withBlanks(name));
+  if (passing_ != nullptr) passed_.push_back({.keyword = passing_, .line = line_});
+}
+
 void IBISScanner::reportUnknown(std::string_view name) {
   if (!keepsMessages_) return;
-  std::string spaced(name);
-  std::ranges::replace(spaced, '_', ' ');
   result_.errors.push_back(
-      makeDiagnostic(Severity::error, message::unknownKeyword, spaced.c_str(), line_));
+      makeDiagnostic(Severity::error, message::unknownKeyword, withBlanks(name).c_str(), line_));
 }
 
 // Nothing on this line is a comment, so that the argument itself is not cut off.

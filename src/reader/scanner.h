@@ -39,6 +39,12 @@ struct IBISScanResult {
 /// Cuts a text into records; it ends at its first NUL and must outlive the result.
 IBISScanResult scanIBISText(std::string_view text);
 
+/// A keyword of a later version that a scan passed over, with its line.
+struct PassedKeyword {
+  const LaterKeywordRow* keyword = nullptr;
+  std::int32_t line = 0;
+};
+
 /// The same piece by piece and without the scanner's messages, for a reader that is done with one
 /// piece when it asks for the next.
 ///
@@ -49,10 +55,17 @@ class IBISScanner {
   static constexpr std::size_t usualPiece = 4096;  ///< Records stay in a core's own cache.
 
   /// The records of a piece are no fewer than told, but for the last piece.
-  explicit IBISScanner(std::string_view text, std::size_t minRecords = usualPiece);
+  ///
+  /// A scan may pass over the keywords of later versions with all that belongs to them; else what
+  /// follows such a keyword goes to the reader of the keyword before it.
+  explicit IBISScanner(std::string_view text, std::size_t minRecords = usualPiece,
+                       bool passesLater = false);
 
   /// The records of the next piece, valid until the next call; none at the end of the text.
   IBISRecords nextPiece();
+
+  /// What was passed over so far, in file order.
+  const std::vector<PassedKeyword>& passedKeywords() const { return passed_; }
 
   /// Frees the records of the piece in hand.
   void dropPiece() { result_.records = std::vector<IBISRecord>(); }
@@ -64,6 +77,8 @@ class IBISScanner {
   void scanLine();
   void scanKeyword();
   bool endsPiece(std::int32_t id);
+  bool passesOver(std::string_view name, std::int32_t id);
+  void takeUnknown(std::string_view name);
   void reportUnknown(std::string_view name);
   void readCommentChar();
   void stop(Diagnostic reason);
@@ -84,6 +99,9 @@ class IBISScanner {
   bool pieceEnded_ = false;
   bool inSections_ = false;
   bool inModelData_ = false;
+  bool passesLater_;
+  const LaterKeywordRow* passing_ = nullptr;  // whose sub-tree is passed over
+  std::vector<PassedKeyword> passed_;
 };
 
 /// The record at an index, or an empty record where there is none.

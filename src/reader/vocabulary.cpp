@@ -22,6 +22,12 @@ constexpr KeywordRow keywords[] = {
 #undef IBIS_KEYWORD
 };
 
+constexpr LaterKeywordRow laterKeywords[] = {
+#define IBIS_LATER_KEYWORD(name, last) {name, last},
+#include "reader/later_keywords.def"
+#undef IBIS_LATER_KEYWORD
+};
+
 constexpr std::size_t keywordIds = 1 + [] {
   std::int32_t largest = 0;
   for (const KeywordRow& row : keywords) largest = std::max(largest, row.id);
@@ -87,6 +93,7 @@ std::string_view standardWord(std::string_view word) {
 
 std::span<const VersionRow> versionTable() { return versions; }
 std::span<const KeywordRow> keywordTable() { return keywords; }
+std::span<const LaterKeywordRow> laterKeywordTable() { return laterKeywords; }
 std::span<const SubParameterRow> subParameterTable() { return subParameters; }
 std::span<const ModelTypeRow> modelTypeTable() { return modelTypes; }
 
@@ -105,6 +112,13 @@ std::int32_t keywordId(std::string_view name) {
     if (equalIgnoringCase(row.name, name)) return row.id;
   }
   return keyword::none;
+}
+
+const LaterKeywordRow* findLaterKeyword(std::string_view name) {
+  for (const LaterKeywordRow& row : laterKeywords) {
+    if (equalIgnoringCase(row.name, name)) return &row;
+  }
+  return nullptr;
 }
 
 bool endsSection(std::int32_t id) {

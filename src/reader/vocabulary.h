@@ -56,6 +56,12 @@ struct KeywordRow {
   InComponent inComponent;
 };
 
+/// A bracketed keyword that came after version 4.2; see later_keywords.def.
+struct LaterKeywordRow {
+  std::string_view name;
+  std::string_view last;
+};
+
 /// A word that may begin a line of a model or a waveform.
 struct SubParameterRow {
   std::int32_t id;
@@ -70,6 +76,7 @@ struct ModelTypeRow {
 };
 
 std::span<const VersionRow> versionTable();            ///< Oldest first, "Unknown" last.
+std::span<const LaterKeywordRow> laterKeywordTable();  ///< Oldest first.
 std::span<const KeywordRow> keywordTable();            ///< In the order of look-up.
 std::span<const SubParameterRow> subParameterTable();  ///< In the order of look-up.
 std::span<const ModelTypeRow> modelTypeTable();        ///< In the order of look-up.
@@ -82,6 +89,9 @@ IBISString keywordName(std::int32_t id);
 
 /// The id of a keyword's name in any case, or `keyword::none`.
 std::int32_t keywordId(std::string_view name);
+
+/// The row of a later keyword's name in any case, or null.
+const LaterKeywordRow* findLaterKeyword(std::string_view name);
 
 /// Whether a keyword begins a section of its own, or ends the file, and so ends a section.
 bool endsSection(std::int32_t id);

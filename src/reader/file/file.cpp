@@ -38,7 +38,8 @@ void IBISFile::error(const char* format, ...) {
   std::va_list arguments;
   va_start(arguments, format);
   const ArgumentsEnd end(arguments);
-  data_->errors.push_back(makeDiagnostic(Severity::error, format, arguments));
+  auto& list = errorSeverity_ == Severity::error ? data_->errors : data_->warnings;
+  list.push_back(makeDiagnostic(errorSeverity_, format, arguments));
 }
 
 void IBISFile::warning(const char* format, ...) {

@@ -22,6 +22,10 @@ class IBISFile final : public IBISErrorHandler {
 
   void error(const char* format, ...) override IBIS_PRINTF_FORMAT(2, 3);
   void warning(const char* format, ...) override IBIS_PRINTF_FORMAT(2, 3);
+
+  /// From now on errors count as warnings, for a caller that takes what there is.
+  void tolerateErrors() { errorSeverity_ = Severity::warning; }
+
   bool hasErrors() const;
   std::int32_t errorCount() const;
   std::int32_t warningCount() const;
@@ -51,6 +55,7 @@ class IBISFile final : public IBISErrorHandler {
   void addBuiltInModel(const char* name, ModelType type);
 
   std::unique_ptr<IBISFileData> data_;
+  Severity errorSeverity_ = Severity::error;
 };
 
 }  // namespace ibis

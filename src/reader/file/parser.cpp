@@ -8,20 +8,30 @@
 #include "model/check_models.h"
 #include "model/model_reader.h"
 #include "package/package_reader.h"
+#include "reader/text/name_index.h"
 
 namespace ibis {
 namespace {
 
-bool readVersion(IBISFile& file, const IBISRecord& record) {
+bool readVersion(IBISFile& file, const IBISRecord& record, const ReadOptions& options) {
   const IBISString text = keywordText(record);
   const VersionRow* row = findVersion(text);
   if (row == nullptr) {
-    file.error(message::unknownVersion, record.line, text.str().c_str());
-    return false;
+    if (options.keepGoing) {
+      file.warning(message::unknownVersion, record.line, text.str().c_str());
+    } else {
+      file.error(message::unknownVersion, record.line, text.str().c_str());
+    }
+    return options.keepGoing;
   }
   file.data().version = row->id;
-  if (!row->supported) file.error(message::versionNotSupported, record.line, row->text);
-  return row->supported;
+  if (row->supported) return true;
+  if (options.newerVersions && row->id != 0) {
+    file.warning(message::versionReadAsOlder, record.line, row->text);
+    return true;
+  }
+  file.error(message::versionNotSupported, record.line, row->text);
+  return false;
 }
 
 IBISString headerText(IBISFile& file, IBISRecords records, std::int32_t& index) {
@@ -62,17 +72,18 @@ bool readHeaderKeyword(IBISFile& file, IBISRecords records, std::int32_t& index)
 }
 
 // Without a good [IBIS Ver] only [Component] leads on to the sections.
-bool parseHeader(IBISFile& file, IBISRecords records, std::int32_t& index) {
+bool parseHeader(IBISFile& file, IBISRecords records, std::int32_t& index,
+                 const ReadOptions& options) {
   bool versionRead = false;
   const auto count = static_cast<std::int32_t>(records.size());
   for (; index < count; ++index) {
     const IBISRecord& record = recordAt(records, index);
     if (record.keyword == keyword::component) return true;
     if (record.keyword == keyword::ibisVer) {
-      versionRead = readVersion(file, record);
+      versionRead = readVersion(file, record, options);
       if (!versionRead) return false;
     } else if (!readHeaderKeyword(file, records, index)) {
-      return versionRead;
+      return versionRead || options.keepGoing;
     }
   }
   return versionRead;
@@ -132,20 +143,36 @@ void refuse(IBISFile& file, const IBISRecord& record) {
   }
 }
 
+void skipSection(IBISRecords records, std::int32_t& index) {
+  const auto count = static_cast<std::int32_t>(records.size());
+  while (index + 1 < count && !endsSection(recordAt(records, index + 1).keyword)) ++index;
+}
+
 // False at what ends the file ahead of the last record.
-bool parseSections(IBISFile& file, IBISRecords records, std::int32_t& index) {
+bool parseSections(IBISFile& file, IBISRecords records, std::int32_t& index,
+                   const ReadOptions& options) {
   const auto count = static_cast<std::int32_t>(records.size());
   for (; index < count; ++index) {
     const IBISRecord& record = recordAt(records, index);
     if (record.keyword == keyword::end) return false;
-    const SectionReader read = sectionReader(record.keyword);
-    if (read == nullptr) {
-      refuse(file, record);
-      return false;
+    if (const SectionReader read = sectionReader(record.keyword)) {
+      read(file, records, index);
+      continue;
     }
-    read(file, records, index);
+    refuse(file, record);
+    if (!options.keepGoing) return false;
+    skipSection(records, index);
   }
   return true;
+}
+
+// Each kind once, at its first line.
+void reportPassed(IBISFile& file, std::span<const PassedKeyword> passed) {
+  NameMap<ExactCase, std::int32_t> told;
+  for (const PassedKeyword& each : passed) {
+    if (!told.add(each.keyword->name, each.line)) continue;
+    file.warning(message::keywordPassedOver, each.line, std::string(each.keyword->name).c_str());
+  }
 }
 
 std::vector<IBISModel*> allModels(const IBISFile& file) {
@@ -157,17 +184,20 @@ std::vector<IBISModel*> allModels(const IBISFile& file) {
 }  // namespace
 
 void parseFile(IBISFile& file, IBISRecords records, std::int32_t& index) {
-  if (parseHeader(file, records, index)) parseSections(file, records, index);
+  const ReadOptions asALoad;
+  if (parseHeader(file, records, index, asALoad)) parseSections(file, records, index, asALoad);
 }
 
-void parseFile(IBISFile& file, IBISScanner& scanner) {
+void parseFile(IBISFile& file, IBISScanner& scanner, const ReadOptions& options) {
   std::int32_t index = 0;
   IBISRecords records = scanner.nextPiece();
-  if (!parseHeader(file, records, index)) return;
-  while (!records.empty() && parseSections(file, records, index)) {
+  if (!parseHeader(file, records, index, options)) return;
+  if (options.keepGoing) file.tolerateErrors();
+  while (!records.empty() && parseSections(file, records, index, options)) {
     records = scanner.nextPiece();
     index = 0;
   }
+  reportPassed(file, scanner.passedKeywords());
 }
 
 void postParse(IBISFile& file, std::string_view componentName,

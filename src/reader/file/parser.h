@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ibis/read_options.h"
 #include "reader/file/file.h"
 #include "reader/scanner.h"
 
@@ -8,8 +9,8 @@ namespace ibis {
 /// Reads the header and the sections into the file; what stops it is told in the file's errors.
 void parseFile(IBISFile& file, IBISRecords records, std::int32_t& index);
 
-/// The same piece by piece; the scanner's texts stay in use.
-void parseFile(IBISFile& file, IBISScanner& scanner);
+/// The same piece by piece, with what a caller allows; the scanner's texts stay in use.
+void parseFile(IBISFile& file, IBISScanner& scanner, const ReadOptions& options = {});
 
 /// Ties pins to models and checks the named component, or all of them for an empty name.
 ///
