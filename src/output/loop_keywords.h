@@ -4,6 +4,7 @@
 
 #include "ibis/values.h"
 #include "output/loop_object.h"
+#include "output/stream/number_text.h"
 
 namespace ibis {
 
@@ -21,10 +22,6 @@ struct LoopConditionRow {
   std::string_view keyword;
   bool (*holds)(const Object& object, const KeywordArguments& arguments);
 };
-
-/// Digits of the numbers in the output: of values, and of what is shown short.
-inline constexpr int valueDigits = 12;
-inline constexpr int shortDigits = 6;
 
 /// What ForEachObject::word does, from an object's tables of values and conditions.
 template <class Object>

@@ -2,30 +2,31 @@
 
 #include <algorithm>
 
+#include "output/stream/number_text.h"
+
 namespace ibis {
 namespace {
 
-constexpr int pairDigits = 12;
-constexpr std::int32_t smallestIndent = 2;
-constexpr std::int32_t largestIndent = 255;
+constexpr std::int32_t minIndent = 2;
+constexpr std::int32_t maxIndent = 255;
 constexpr std::uint64_t foldingLength = 80;
 
 void startCorner(OutputStream& out, std::int32_t indent) {
   out.write("\n+\n+");
-  out.writeBlanks(indent - smallestIndent);
+  out.writeBlanks(indent - minIndent);
 }
 
 }  // namespace
 
 void writePairs(OutputStream& out, const YVector<double>& x, const YVector<double>& y,
                 std::int32_t indent, bool moreFollows) {
-  const std::int32_t blanks = std::clamp(indent, smallestIndent, largestIndent) - smallestIndent;
+  const std::int32_t blanks = std::clamp(indent, minIndent, maxIndent) - minIndent;
   const std::int32_t last = x.size() - 1;
   std::uint64_t lineStart = out.position();
   for (std::int32_t i = 0; i <= last; ++i) {
-    out.writeNumber(x[i], pairDigits);
+    out.writeNumber(x[i], valueDigits);
     out.write(", ");
-    out.writeNumber(y[i], pairDigits);
+    out.writeNumber(y[i], valueDigits);
     if (i != last || moreFollows) out.write(", ");
     if (i == last || out.position() - lineStart <= foldingLength) continue;
     out.write("\n+");
@@ -58,7 +59,7 @@ void writeWaveformCorners(const IBISWaveform& waveform, OutputStream& out, std::
   const auto orTyp = [&](const YVector<double>& corner) -> const YVector<double>& {
     return corner.empty() ? waveform.typ : corner;
   };
-  indent = std::max(indent, smallestIndent);
+  indent = std::max(indent, minIndent);
   startCorner(out, indent);
   writePairs(out, waveform.time, waveform.typ, indent, true);
   startCorner(out, indent);

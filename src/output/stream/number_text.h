@@ -5,6 +5,11 @@
 
 namespace ibis {
 
+/// Digits of the numbers in the output.
+inline constexpr int valueDigits = 12;   ///< Of tables, waveforms, models and pins.
+inline constexpr int shortDigits = 6;    ///< Of references, fixtures and what a page shows.
+inline constexpr int matrixDigits = 15;  ///< Of a package's matrices.
+
 /// Room for any number at up to 17 digits: sign, digits, point and exponent.
 inline constexpr std::size_t maxNumberText = 32;
 

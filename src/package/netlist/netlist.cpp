@@ -7,8 +7,6 @@
 namespace ibis {
 namespace {
 
-constexpr int valueDigits = 15;
-
 // head of a row, term of an entry
 struct ElementForm {
   std::string_view head;
@@ -33,7 +31,7 @@ std::string rowHead(std::string_view head, std::int32_t row, std::string_view no
 
 std::string entryTerm(std::string_view term, const IBISMatrixEntry& entry, std::string_view node) {
   std::string text =
-      replaceFirst(std::string(term), "%value%", numberText(entry.value, valueDigits));
+      replaceFirst(std::string(term), "%value%", numberText(entry.value, matrixDigits));
   text = replaceFirst(std::move(text), "%column%", std::to_string(entry.column));
   text = replaceFirst(std::move(text), "%colnode%", node);
   return replaceFirst(std::move(text), "%colnode%", node);
