@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "output/file_name.h"
 #include "output/output_run.h"
-#include "output/outputs.h"
 #include "package/netlist/netlist.h"
 #include "reader/text/name_index.h"
 #include "reader/vocabulary.h"

@@ -1,15 +1,11 @@
 #include "output/outputs.h"
 
 #include "output/embedded_templates.h"
-#include "package/netlist/netlist.h"
 #include "reader/text/text_buffer.h"
 
 namespace ibis {
 namespace {
 
-constexpr std::string_view subcircuitWord = "%subcktname%";
-constexpr std::string_view componentWord = "%spicecomponentname%";
-constexpr std::string_view rootWord = "%rootdir%";
 constexpr std::string_view fileKeyword = "%file% ";
 
 // The words behind a template's "file" keywords.
@@ -91,12 +87,6 @@ bool isNamedBySubcircuit(const Output& output) {
     }
   }
   return false;
-}
-
-std::string fileName(std::string_view word, const OutputPlace& place) {
-  std::string name = replaceFirst(std::string(word), subcircuitWord, place.subcircuit);
-  name = replaceFirst(std::move(name), componentWord, place.spiceComponentName);
-  return replaceFirst(std::move(name), rootWord, place.rootDirectory);
 }
 
 }  // namespace ibis

@@ -6,19 +6,13 @@
 #include <string_view>
 #include <vector>
 
+#include "output/file_name.h"
 #include "output/template_engine.h"
 
 namespace ibis {
 
 /// What a load writes.
 enum class OutputMode : std::uint8_t { script, model, symbol, package, unknown };
-
-/// What the names of output files are made from.
-struct OutputPlace {
-  std::string rootDirectory;
-  std::string subcircuit;          ///< As the user gave it.
-  std::string spiceComponentName;  ///< Empty without a component.
-};
 
 /// One output of a load.
 struct Output {
@@ -45,8 +39,5 @@ const Output* findOutput(OutputMode mode);
 
 /// Whether the names of an output's files hold the subcircuit's.
 bool isNamedBySubcircuit(const Output& output);
-
-/// The name of a file as a template has it, with its three words replaced, each once.
-std::string fileName(std::string_view word, const OutputPlace& place);
 
 }  // namespace ibis
