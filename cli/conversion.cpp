@@ -148,8 +148,8 @@ Conversion convert(const ConversionRequest& request) {
   } catch (const std::exception& fault) {
     load.file().error(ibis::message::loadFailed, fault.what());
   }
-  result.warnings = load.file().data().warnings;
-  result.errors = load.file().data().errors;
+  result.warnings = std::move(load.file().data().warnings);
+  result.errors = std::move(load.file().data().errors);
   if (obstacle) result.errors.push_back(std::move(*obstacle));
   warnOfModels(load, result);
   return result;
