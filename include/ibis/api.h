@@ -1,6 +1,6 @@
 #pragma once
 
-/// Marks what the shared library offers; all else in it is hidden.
+/// Marks what the shared library exports; all else in it is hidden.
 #if defined(__GNUC__)
 #define IBIS_API __attribute__((visibility("default")))
 #else

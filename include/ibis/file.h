@@ -14,21 +14,21 @@
 
 namespace ibis {
 
-/// One choice of a model selector.
+/// One row of [Model Selector].
 struct IBISModelSelectorRow {
-  IBISString modelName;
-  IBISString description;
+  IBISString modelName;    ///< Name of a [Model].
+  IBISString description;  ///< The rest of the line without quotes.
 };
 
 /// One [Model Selector]: a name that pins use for one of several models.
 struct IBISModelSelector {
-  IBISString name;
-  std::vector<IBISModelSelectorRow> rows;
+  IBISString name;                         ///< [Model Selector]
+  std::vector<IBISModelSelectorRow> rows;  ///< In file order.
 };
 
-/// All that one load holds; lists are in file order.
+/// All records of one load; lists are in file order.
 struct IBISFileData {
-  std::int32_t version = 0;  ///< Id of the version table, 0 until [IBIS Ver] was read.
+  std::int32_t version = 0;  ///< [IBIS Ver], an id of the version table; 0 until it was read.
   IBISString fileName;       ///< [File Name]
   IBISString fileRev;        ///< [File Rev]
   IBISString date;           ///< [Date]
@@ -38,11 +38,11 @@ struct IBISFileData {
   IBISString copyright;      ///< [Copyright], likewise.
   std::vector<std::unique_ptr<IBISComponent>> components;  ///< Each [Component].
   std::vector<IBISModelSelector> modelSelectors;           ///< Each [Model Selector].
-  /// Each [Model], behind the three built-in ones, GND, POWER and NC.
+  /// The three built-in models GND, POWER and NC, then each [Model].
   std::vector<std::unique_ptr<IBISModel>> models;
   std::vector<std::unique_ptr<IBISPackageModel>> packageModels;  ///< Each [Define Package Model].
   std::shared_ptr<IBISNameTable> nameTable;  ///< Names of components and models.
-  std::vector<IBISString> modelSelections;   ///< The user's selector choices.
+  std::vector<IBISString> modelSelections;   ///< The user's selections, the most preferred first.
   IBISString userSubcircuitName;             ///< Empty unless the user gave one.
   IBISString filePath;                       ///< Canonical path of the file, empty for a text.
   std::vector<Diagnostic> errors;            ///< In the order in which they were reported.
@@ -50,7 +50,7 @@ struct IBISFileData {
   StringPool strings;                        ///< Texts made while reading.
 };
 
-/// The first package model of exactly this name, or null.
+/// Returns the first package model of exactly this name, or null.
 IBIS_API const IBISPackageModel* findPackageModel(const IBISFileData& data, std::string_view name);
 
 }  // namespace ibis

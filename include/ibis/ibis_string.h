@@ -7,10 +7,10 @@
 
 namespace ibis {
 
-/// Gives "NC", "NA", "GND" or "POWER" in upper case for these words in any case, else the text.
+/// Returns "NC", "NA", "GND" or "POWER" for these words in any case, and any other text as it is.
 std::string_view foldReservedName(std::string_view text);
 
-/// A text of the reader with reserved words folded; a view that owns nothing.
+/// A view of a text, with reserved words folded to upper case; it owns nothing.
 ///
 /// It points into the file's text, a StringPool or a literal. All of them live as long as the
 /// IBISFile, and so may every IBISString in its records.
@@ -25,7 +25,7 @@ class IBISString {
   operator std::string_view() const { return text_; }
   bool empty() const { return text_.empty(); }
 
-  /// A copy that ends in a NUL, for printf's sake.
+  /// A copy that ends in a NUL, as printf needs it.
   std::string str() const { return std::string(text_); }
 
   friend bool operator==(IBISString a, IBISString b) { return a.text_ == b.text_; }
@@ -36,7 +36,7 @@ class IBISString {
   std::string_view text_;
 };
 
-/// Keeps copies of texts until it dies; what it gave out never moves.
+/// Keeps copies of texts until it dies; a stored text never moves.
 class StringPool {
  public:
   /// A copy of the text that lives as long as the pool.
@@ -46,7 +46,7 @@ class StringPool {
   std::unique_ptr<std::pmr::monotonic_buffer_resource> memory_;
 };
 
-/// Whether two texts are equal but for the case of ASCII letters.
+/// Whether two texts are equal, apart from the case of ASCII letters.
 bool equalIgnoringCase(std::string_view a, std::string_view b);
 
 /// An ASCII letter in upper case; any other character as it is.

@@ -4,9 +4,9 @@
 
 namespace ibis {
 
-/// Ids of the model types, in the order of the standard's own list.
+/// The type of a model, [Model] Model_type, in the order of the standard's own list.
 enum class ModelType : std::int32_t {
-  unknown = 0,
+  unknown = 0,  ///< Model_type is missing or not a word of the standard.
   input,
   output,
   inputOutput,

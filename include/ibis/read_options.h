@@ -2,13 +2,13 @@
 
 namespace ibis {
 
-/// What a reader may allow beyond the rules of a simulator's load.
+/// What a reader accepts beyond the rules of a simulator's load.
 struct ReadOptions {
-  /// Versions 5.0 to 7.2 are read as far as 4.2 goes; keywords that came later are passed over with
-  /// all that belongs to them, each kind told once with its line.
+  /// Versions 5.0 to 7.2 are read as far as 4.2 goes. Later keywords are passed over with all that
+  /// belongs to them; one warning a keyword names the first line of it.
   bool newerVersions = false;
 
-  /// What a load refuses is left out or read as far as the records go, and told as a warning.
+  /// What a load refuses is left out, or read as far as the records go, with a warning.
   bool keepGoing = false;
 };
 

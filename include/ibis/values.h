@@ -5,7 +5,7 @@
 
 namespace ibis {
 
-/// Corners of a triple, a table or a waveform by index; the file's columns are typ, min, max.
+/// Indices of the corners of a triple, a table or a waveform; the file's columns are typ, min, max.
 namespace corner {
 inline constexpr int typ = 0;
 inline constexpr int max = 1;
@@ -13,51 +13,50 @@ inline constexpr int min = 2;
 inline constexpr int count = 3;
 }  // namespace corner
 
-/// Which corners a line of the file leaves out, by NA or by ending early; one bit a corner.
+/// The corners that a line of the file leaves out, by NA or by ending early.
 struct MissingCorners {
-  std::uint8_t bits = 0;
+  std::uint8_t bits = 0;  ///< Bit i for the corner of index i.
 
   bool at(int corner) const { return (bits >> corner & 1) != 0; }
   bool any() const { return bits != 0; }
   void set(int corner) { bits = static_cast<std::uint8_t>(bits | 1 << corner); }
 };
 
-/// A typ-min-max value; `present` tells whether the file gave it.
+/// A typ-min-max value, in the unit of the field that holds it.
 ///
-/// Each corner holds the number that a load uses, also where the file has none; `missing` tells
-/// where that is so.
+/// Each corner holds the number that a load uses, also where the file has none.
 struct IBISTriple {
-  bool present = false;
+  bool present = false;  ///< Whether the file has the value.
   double typ = 0.0;
   double max = 0.0;
   double min = 0.0;
-  MissingCorners missing = {};
+  MissingCorners missing = {};  ///< The corners whose number is not from the file.
 
-  /// The value at a corner's index; any other index means typ.
+  /// The value at the index of a corner; any other index means typ.
   double at(int index) const {
     return index == corner::max ? max : index == corner::min ? min : typ;
   }
 
-  /// Compares what a load uses.
+  /// Compares what a load uses, which is all but `missing`.
   friend bool operator==(const IBISTriple& a, const IBISTriple& b) {
     return a.present == b.present && a.typ == b.typ && a.max == b.max && a.min == b.min;
   }
 };
 
-/// A value that a file may leave out.
+/// A value that a file may leave out, in the unit of the field that holds it.
 struct IBISOptional {
-  bool present = false;
+  bool present = false;  ///< Whether the file has the value, if only as NA.
   double value = 0.0;
-  bool isNA = false;  ///< The file has the word NA in its place.
+  bool isNA = false;  ///< The file has the word NA instead of a number.
 };
 
-/// Which cells of a table's rows the file leaves out, by NA or by ending early.
+/// The cells of a table that the file leaves out, by NA or by ending a row early.
 class MissingCells {
  public:
-  /// Whether the cell of a row, from 0, at a corner's index is missing.
+  /// Whether the cell of a row, from 0, is missing at the index of a corner.
   bool at(std::int32_t row, int corner) const {
-    const auto place = static_cast<std::size_t>(row);
-    return place < rows_.size() && rows_[place].at(corner);
+    const auto index = static_cast<std::size_t>(row);
+    return index < rows_.size() && rows_[index].at(corner);
   }
 
   /// Whether any cell is missing.
@@ -68,28 +67,29 @@ class MissingCells {
     return false;
   }
 
+  /// Sets the missing corners of a row, from 0.
   void set(std::int32_t row, MissingCorners corners) {
-    const auto place = static_cast<std::size_t>(row);
-    if (place >= rows_.size()) {
+    const auto index = static_cast<std::size_t>(row);
+    if (index >= rows_.size()) {
       if (!corners.any()) return;
-      rows_.resize(place + 1);
+      rows_.resize(index + 1);
     }
-    rows_[place] = corners;
+    rows_[index] = corners;
   }
 
-  /// What a row lacks.
+  /// The missing corners of a row, from 0.
   MissingCorners row(std::int32_t row) const {
-    const auto place = static_cast<std::size_t>(row);
-    return place < rows_.size() ? rows_[place] : MissingCorners();
+    const auto index = static_cast<std::size_t>(row);
+    return index < rows_.size() ? rows_[index] : MissingCorners();
   }
 
-  /// Drops the rows from a place on.
+  /// Drops this row, from 0, and all rows after it.
   void shorten(std::int32_t row) {
     if (static_cast<std::size_t>(row) < rows_.size()) rows_.resize(static_cast<std::size_t>(row));
   }
 
  private:
-  std::vector<MissingCorners> rows_;  // up to the last row that lacks something
+  std::vector<MissingCorners> rows_;  // up to the last row with a missing cell
 };
 
 }  // namespace ibis

@@ -10,9 +10,9 @@ namespace ibis {
 
 /// The reader's growing list: positions are signed, and a read beyond the end never fails.
 ///
-/// Reading through at() appends empty elements up to the position; reading through the constant
-/// operator gives an empty element and changes nothing. A negative position is a fault of the
-/// program and raises KelvrantException.
+/// at() appends empty elements up to the position; the constant operator returns an empty element
+/// and changes nothing. A negative position is a fault of the program and raises
+/// KelvrantException.
 template <class T>
 class YVector {
  public:
@@ -25,7 +25,7 @@ class YVector {
   void reserve(std::size_t count) { items_.reserve(count); }
   void clear() { items_.clear(); }
 
-  /// Drops what stands at the position and behind it.
+  /// Drops the element at the position and all after it.
   void shorten(std::int32_t position) {
     const std::size_t count = checked(position);
     if (count < items_.size()) items_.resize(count);
@@ -33,16 +33,16 @@ class YVector {
 
   /// The element at the position, made if it was not there.
   T& at(std::int32_t position) {
-    const std::size_t place = checked(position);
-    if (place >= items_.size()) items_.resize(place + 1);
-    return items_[place];
+    const std::size_t index = checked(position);
+    if (index >= items_.size()) items_.resize(index + 1);
+    return items_[index];
   }
 
   /// The element at the position, or an empty one that all readers share.
   const T& operator[](std::int32_t position) const {
     static const T empty{};
-    const std::size_t place = checked(position);
-    return place < items_.size() ? items_[place] : empty;
+    const std::size_t index = checked(position);
+    return index < items_.size() ? items_[index] : empty;
   }
 
   T& last() { return items_.back(); }
