@@ -10,14 +10,14 @@ namespace ibis {
 /// Appends the [Model Selector] at the index to the file; the index is left on its last row.
 void readModelSelector(IBISFileData& file, IBISRecords records, std::int32_t& index);
 
-/// The model that a selector stands for, given the user's choices in the order of preference.
+/// The model that a selector stands for, given the user's selections, the most preferred first.
 ///
-/// The first choice that a row describes decides, the last of such rows counts; without one it is
-/// the selector's first row, and an empty name for a selector with no rows.
+/// The first selection that some row describes decides; of several such rows the last counts.
+/// Without one the selector's first row counts. A selector without rows has the empty name.
 IBISString resolveSelector(const IBISModelSelector& selector,
                            std::span<const IBISString> modelSelections);
 
-/// Finds models by the names that pins give, through the file's selectors.
+/// Finds models by the names in pins, through the file's selectors.
 class ModelFinder {
  public:
   /// The file's selectors and models must not change while the finder is used.
@@ -28,13 +28,13 @@ class ModelFinder {
 
  private:
   NameMap<ExactCase, IBISModel*> models_;
-  NameMap<ExactCase, IBISString> selectedNames_;  // of the last selector of each name
+  NameMap<ExactCase, IBISString> selectedNames_;  // by the last selector of each name
 };
 
 /// ModelFinder::find for one name.
 IBISModel* findModel(const IBISFileData& file, std::string_view name);
 
-/// Reports each of the user's choices that no row of any selector describes.
+/// Reports each of the user's selections that no row of any selector describes.
 void checkUserSelectors(const IBISFileData& file, IBISErrorHandler& errors);
 
 }  // namespace ibis

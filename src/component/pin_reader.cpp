@@ -18,7 +18,7 @@ class PinRow {
 
   std::string_view token(Column column) { return fields_.at(columns_[column] + 1); }
 
-  // NA keeps the package's typ of the moment.
+  // NA takes the package's typ as read so far.
   double value(Column column, const IBISTriple& package) {
     return parseNumber(token(column), package.typ);
   }
@@ -38,7 +38,7 @@ void readRow(IBISPin& pin, IBISComponent& component, const std::vector<std::int3
   pin.signal_name = component.nameTable->makeUniqueName(signal);
   pin.spiceName = component.nameTable->spiceName(pin.signal_name);
   pin.package = &component.packagesOfPins.front();
-  // Reading a column lengthens the row up to it, so a header may count rows as complete.
+  // Reading a column lengthens the row up to it, so the header's columns may make a row complete.
   pin.hasOwnRLC = fields.size() >= ownRLCTokens;
   if (!pin.hasOwnRLC) return;
   pin.ownR = row.value(resistance, pin.package->R_pkg);
@@ -63,8 +63,8 @@ std::vector<std::int32_t> mapColumns(IBISString header, std::span<const std::str
   splitFields(header, tokens);
   std::vector<std::int32_t> columns;
   for (std::string_view name : names) {
-    const std::int32_t place = findLast(tokens, name);
-    columns.push_back(place >= 0 ? place : static_cast<std::int32_t>(columns.size()));
+    const std::int32_t index = findLast(tokens, name);
+    columns.push_back(index >= 0 ? index : static_cast<std::int32_t>(columns.size()));
   }
   return columns;
 }

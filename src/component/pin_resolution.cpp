@@ -36,7 +36,7 @@ class EntryBuilder {
   }
 
  private:
-  // Names in [Diff Pin] rows count as paired whether or not their row is valid.
+  // A name in a [Diff Pin] row counts as paired even if the row is not valid.
   void markPairedNames() {
     for (const IBISDiffPin& row : component_.diffPins) {
       isPaired_[row.pin] = true;
@@ -85,8 +85,8 @@ class EntryBuilder {
     }
   }
 
-  // A pair without models on both sides, or that nobody wants, stays marked: neither of its pins
-  // comes out singly.
+  // A pair that lacks a model, or that nobody wants, stays marked: neither of its pins becomes a
+  // single pin.
   void addPair(const IBISDiffPin& row, const IBISPin& pin, const IBISPin& inverted) {
     if (pin.model == nullptr || inverted.model == nullptr) return;
     if (pin.model->name != inverted.model->name) {
@@ -102,7 +102,7 @@ class EntryBuilder {
     }
   }
 
-  // Two models make no pair; the user is told only about a pin that was asked for by name.
+  // Pins of different models are not a pair; the user learns it only of pins asked for by name.
   void separate(const IBISDiffPin& row) {
     if (filter_.names(row.pin) || filter_.names(row.inv_pin)) {
       errors_.warning(message::diffPinModelsDiffer, row.line, row.pin.str().c_str(),
@@ -131,7 +131,7 @@ class EntryBuilder {
   NameIndex<ExactCase> usedModels_;
 };
 
-// No strict order where numbers and other names meet.
+// Not a strict order where numbers and other names meet.
 bool entryLess(const IBISPinEntry& a, const IBISPinEntry& b) {
   if (!a.isPair() || a.pin->name != b.pin->name) return naturalLess(a.pin->name, b.pin->name);
   return naturalLess(a.invertedPin->name, b.invertedPin->name);

@@ -22,13 +22,13 @@ class PinFilter {
   NameIndex<ExactCase> names_;
 };
 
-/// Gives a component's pins their models and fills its entries and models lists.
+/// Resolves the models of a component's pins and fills its lists of entries and models.
 ///
 /// Runs once on a component, after the whole file has been read.
 void prepareComponent(IBISComponent& component, const ModelFinder& models,
                       const PinFilter& pinFilter, IBISErrorHandler& errors);
 
-/// Whether one pin name sorts ahead of another: numbers by value, anything else by bytes.
+/// Whether one pin name sorts before another: numbers by value, anything else by bytes.
 bool naturalLess(std::string_view a, std::string_view b);
 
 }  // namespace ibis

@@ -14,7 +14,7 @@ constexpr std::string_view seriesPinColumns[] = {"pin_2", "model_name", "functio
 constexpr double assumedThreshold = 0.2;  // volts
 constexpr std::string_view groupEnd = "/";
 
-// What is the same in the three tables that have a header.
+// What the three tables with a header have in common.
 struct TableShape {
   std::span<const std::string_view> columns;
   std::int32_t minimumFields;
@@ -40,7 +40,7 @@ void readRows(const TableShape& shape, IBISRecords records, std::int32_t& index,
   }
 }
 
-// Takes pins up to the slash that ends a group; false if the line has none.
+// Takes pins up to the slash that ends a group; false if the line has no slash.
 bool takeGroupPins(const Fields& fields, std::int32_t first, std::vector<IBISString>& pins) {
   for (std::int32_t i = first; i < fields.size(); ++i) {
     if (fields[i] == groupEnd) return true;

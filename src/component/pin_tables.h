@@ -5,9 +5,9 @@
 
 namespace ibis {
 
-// Each reads the lines behind its keyword and leaves the index on the last one that it used.
+// Each reads the lines after its keyword and leaves the index on the last one that it used.
 
-/// [Diff Pin]: a short row is completed with NA, which gives 0.2 V and no delays.
+/// [Diff Pin]: a short row is completed with NA, which means 0.2 V and no delays.
 void readDiffPins(IBISComponent& component, IBISRecords records, std::int32_t& index);
 
 /// [Pin Mapping]: a short row is completed with NC.

@@ -16,7 +16,7 @@ void sortByFixture(std::vector<IBISWaveform>& waveforms) {
   });
   std::vector<IBISWaveform> sorted;
   sorted.reserve(waveforms.size());
-  for (const std::size_t place : order) sorted.push_back(std::move(waveforms[place]));
+  for (const std::size_t index : order) sorted.push_back(std::move(waveforms[index]));
   waveforms = std::move(sorted);
 }
 

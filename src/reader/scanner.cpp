@@ -16,7 +16,7 @@ constexpr std::int32_t standardLineLength = 120;
 constexpr std::size_t longestKeywordName = 120;
 constexpr char noComment = '\0';
 
-// The keyword's id; the name may be spelled with underscores.
+// The keyword's id; underscores in the name count as blanks.
 std::int32_t lookUp(std::string_view name) {
   if (name.size() > longestKeywordName) return keyword::none;
   char spaced[longestKeywordName];
@@ -64,7 +64,7 @@ void IBISScanner::scanLine() {
   }
 }
 
-// The name may run over line ends, which the line counter does not see.
+// The name may run over line ends, which the line counter misses.
 void IBISScanner::scanKeyword() {
   const char* const begin = cursor_ + 1;
   const auto rest = static_cast<std::size_t>(end_ - begin);
@@ -77,7 +77,7 @@ void IBISScanner::scanKeyword() {
   }
   if (endsPiece(id)) {
     pieceEnded_ = true;
-    --line_;  // to be scanned again
+    --line_;  // the next piece scans the line again
     return;
   }
   cursor_ = close ? close + 1 : end_;
@@ -90,8 +90,8 @@ void IBISScanner::scanKeyword() {
   }
 }
 
-// Whether the keyword is the first of the next piece. [Model Data] goes on over every keyword but
-// its own end.
+// Whether the keyword is the first of the next piece. No keyword inside [Model Data] is, except its
+// own end.
 bool IBISScanner::endsPiece(std::int32_t id) {
   if (id == keyword::modelData) inModelData_ = true;
   if (id == keyword::endModelData) inModelData_ = false;
@@ -101,7 +101,7 @@ bool IBISScanner::endsPiece(std::int32_t id) {
   return ends;
 }
 
-// Whether the keyword belongs to the one that is passed over. A section begins whatever is open.
+// Whether the keyword belongs to the one that is passed over; one that begins a section never does.
 bool IBISScanner::passesOver(std::string_view name, std::int32_t id) {
   const std::string_view last = passing_->last;
   const bool isLast = equalIgnoringCase(withBlanks(name), last);
@@ -124,7 +124,7 @@ void IBISScanner::reportUnknown(std::string_view name) {
       makeDiagnostic(Severity::error, message::unknownKeyword, withBlanks(name).c_str(), line_));
 }
 
-// Nothing on this line is a comment, so that the argument itself is not cut off.
+// Nothing on this line is a comment, or else the argument itself would be cut off.
 void IBISScanner::readCommentChar() {
   const IBISRecord record = readRecordLine(keyword::commentChar, noComment);
   const IBISString argument = keywordText(record);
@@ -144,7 +144,7 @@ void IBISScanner::stop(Diagnostic reason) {
   stopped_ = true;
 }
 
-// Takes the rest of the line; what stands behind the comment or beyond the limit is dropped.
+// Takes the rest of the line up to its comment or to the limit, and drops what follows.
 IBISRecord IBISScanner::readRecordLine(std::int32_t id, char commentChar) {
   const char* const begin = cursor_;
   skipLine();

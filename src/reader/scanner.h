@@ -12,14 +12,14 @@
 
 namespace ibis {
 
-/// One scanned line: a keyword with the text behind its bracket, or a data line.
+/// One scanned line: a keyword with the text after its bracket, or a data line.
 struct IBISRecord {
   static constexpr std::size_t maximumLength = 239;
 
   const char* begin = nullptr;           ///< First character, in the scanned text.
   std::int32_t line = 0;                 ///< Line number in the file, from 1.
-  std::uint8_t keyword = keyword::none;  ///< Keyword id, 0 for a data line.
-  std::uint8_t length = 0;               ///< Characters kept, at most 239.
+  std::uint8_t keyword = keyword::none;  ///< Keyword id; 0 for a data line.
+  std::uint8_t length = 0;               ///< Characters kept, at most maximumLength.
 
   /// The line without comment and carriage returns, not trimmed.
   std::string_view text() const { return {begin, length}; }
@@ -45,26 +45,25 @@ struct PassedKeyword {
   std::int32_t line = 0;
 };
 
-/// The same piece by piece and without the scanner's messages, for a reader that is done with one
-/// piece when it asks for the next.
+/// Cuts a text into records piece by piece, without the scanner's messages.
 ///
-/// A piece ends ahead of a keyword that ends every section, so each section lies in one piece, as
-/// does the header with the first section.
+/// A reader is done with one piece when it asks for the next. A piece ends before a keyword that
+/// ends every section, so each section lies in one piece; the header lies in that of the first.
 class IBISScanner {
  public:
   static constexpr std::size_t usualPiece = 4096;  ///< Records stay in a core's own cache.
 
-  /// The records of a piece are no fewer than told, but for the last piece.
+  /// Each piece but the last has at least `minRecords` records.
   ///
-  /// A scan may pass over the keywords of later versions with all that belongs to them; else what
-  /// follows such a keyword goes to the reader of the keyword before it.
+  /// With `passesLater` the scan passes over the keywords of later versions with all that belongs
+  /// to them; else what follows such a keyword goes to the reader of the keyword before it.
   explicit IBISScanner(std::string_view text, std::size_t minRecords = usualPiece,
                        bool passesLater = false);
 
   /// The records of the next piece, valid until the next call; none at the end of the text.
   IBISRecords nextPiece();
 
-  /// What was passed over so far, in file order.
+  /// The keywords passed over so far, in file order.
   const std::vector<PassedKeyword>& passedKeywords() const { return passed_; }
 
   /// Frees the records of the piece in hand.
@@ -100,7 +99,7 @@ class IBISScanner {
   bool inSections_ = false;
   bool inModelData_ = false;
   bool passesLater_;
-  const LaterKeywordRow* passing_ = nullptr;  // whose sub-tree is passed over
+  const LaterKeywordRow* passing_ = nullptr;  // what belongs to it is being passed over
   std::vector<PassedKeyword> passed_;
 };
 
@@ -110,18 +109,19 @@ const IBISRecord& recordAt(IBISRecords records, std::int32_t index);
 /// A record's text without blanks and tabs around it.
 IBISString keywordText(const IBISRecord& record);
 
-/// Moves the index to the next record and gives its text, if that is a data line.
+/// Moves the index to the next record and sets `text` to its text, if it is a data line.
 bool nextDataLine(IBISRecords records, std::int32_t& index, std::string_view& text);
 
-/// The text at the index and of the data lines behind it, untrimmed, joined by line feeds.
+/// The texts of the record at the index and of the data lines after it, untrimmed, joined by line
+/// feeds.
 ///
 /// The index is left on the last record used.
 std::string multiLineText(IBISRecords records, std::int32_t& index);
 
-/// How many data lines stand directly behind the index.
+/// How many data lines follow the index directly.
 std::int32_t countDataLines(IBISRecords records, std::int32_t index);
 
-/// A text without blanks and tabs around it; no other character counts as outer space.
+/// A text without blanks and tabs around it; no other character is trimmed.
 std::string_view trimBlanks(std::string_view text);
 
 }  // namespace ibis

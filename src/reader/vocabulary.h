@@ -9,7 +9,7 @@
 
 namespace ibis {
 
-/// Ids of the bracketed keywords, as scanned records carry them.
+/// Ids of the bracketed keywords, as records have them.
 namespace keyword {
 inline constexpr std::int32_t dataLine = 0;
 inline constexpr std::int32_t none = 1;
@@ -19,7 +19,7 @@ inline constexpr std::int32_t none = 1;
 #undef IBIS_KEYWORD
 }  // namespace keyword
 
-/// Ids of the sub-parameters; `none` stands for a word that is no sub-parameter.
+/// Ids of the sub-parameters; `none` stands for a word that is not a sub-parameter.
 namespace subparameter {
 #define IBIS_SUB_PARAMETER(id, identifier, name) inline constexpr std::int32_t identifier = id;
 #include "reader/sub_parameters.def"
@@ -93,7 +93,7 @@ std::int32_t keywordId(std::string_view name);
 /// The row of a later keyword's name in any case, or null.
 const LaterKeywordRow* findLaterKeyword(std::string_view name);
 
-/// Whether a keyword begins a section of its own, or ends the file, and so ends a section.
+/// Whether a keyword ends a section, since it begins one of its own or ends the file.
 bool endsSection(std::int32_t id);
 
 /// The text of a version's id, "invalid" for an id that no row has.
@@ -105,7 +105,7 @@ const VersionRow* findVersion(std::string_view text);
 /// The id of a sub-parameter's word, compared exactly, or `subparameter::none`.
 std::int32_t subParameterId(std::string_view word);
 
-/// The type that a model type word names, `unknown` for no such word.
+/// The type that a word names, `unknown` for a word that names none.
 ///
 /// The "sink" words are other names of the "drain" types. `supported` is set from the row found
 /// and stays as it was if there is none.

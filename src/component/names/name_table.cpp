@@ -24,7 +24,7 @@ void IBISNameTable::registerName(std::string_view name) {
   spiceNames_.add(spice);
 }
 
-// Most names are legal as they are and share one text with their SPICE name.
+// Most names are legal as they are, so name and SPICE name share one text.
 std::string_view IBISNameTable::legalForm(std::string_view name) {
   if (std::ranges::none_of(name, isIllegalInSpice)) return foldReservedName(name);
   std::string legal(name);
@@ -58,8 +58,8 @@ IBISString IBISNameTable::makeUniqueName(std::string_view name) {
 }
 
 IBISString IBISNameTable::spiceName(std::string_view name) const {
-  const std::int32_t place = sources_.find(name);
-  return place == sources_.absent ? IBISString() : IBISString(spiceNames_.name(place));
+  const std::int32_t index = sources_.find(name);
+  return index == sources_.absent ? IBISString() : IBISString(spiceNames_.name(index));
 }
 
 void IBISNameTable::reserve(std::size_t count) {

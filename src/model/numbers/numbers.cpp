@@ -179,13 +179,13 @@ double parseNumber(std::string_view text, double fallback) {
 }
 
 std::int32_t parseInteger(std::string_view text) {
-  std::size_t place = countSpaces(text);
-  const bool negative = place < text.size() && text[place] == '-';
-  if (place < text.size() && (negative || text[place] == '+')) ++place;
+  std::size_t index = countSpaces(text);
+  const bool negative = index < text.size() && text[index] == '-';
+  if (index < text.size() && (negative || text[index] == '+')) ++index;
   constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
   std::int64_t value = 0;
-  for (; place < text.size() && isDigit(text[place]); ++place) {
-    const int digit = text[place] - '0';
+  for (; index < text.size() && isDigit(text[index]); ++index) {
+    const int digit = text[index] - '0';
     if (value > (largest - digit) / 10) {
       // As the C library: the long integer saturates and its low half is what atoi gives.
       return static_cast<std::int32_t>(negative ? std::numeric_limits<std::int64_t>::min()

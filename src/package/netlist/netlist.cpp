@@ -60,8 +60,8 @@ std::string nodeList(std::string_view prefix, std::span<const std::string_view> 
 }  // namespace
 
 std::string replaceFirst(std::string text, std::string_view pattern, std::string_view replacement) {
-  const std::size_t place = text.find(pattern);
-  if (place != std::string::npos) text.replace(place, pattern.size(), replacement);
+  const std::size_t index = text.find(pattern);
+  if (index != std::string::npos) text.replace(index, pattern.size(), replacement);
   return text;
 }
 

@@ -10,7 +10,7 @@
 
 namespace ibis {
 
-/// The root object of one load: owner of all records and error handler of all readers.
+/// The root object of one load: it owns all records and takes the messages of all readers.
 ///
 /// The scanned text must outlive it, since its records point into that text.
 class IBISFile final : public IBISErrorHandler {
@@ -23,7 +23,7 @@ class IBISFile final : public IBISErrorHandler {
   void error(const char* format, ...) override IBIS_PRINTF_FORMAT(2, 3);
   void warning(const char* format, ...) override IBIS_PRINTF_FORMAT(2, 3);
 
-  /// From now on errors count as warnings, for a caller that takes what there is.
+  /// From now on errors count as warnings, for a caller that accepts an incomplete file.
   void tolerateErrors() { errorSeverity_ = Severity::warning; }
 
   bool hasErrors() const;
@@ -39,9 +39,9 @@ class IBISFile final : public IBISErrorHandler {
   /// Whether a component has exactly this name.
   bool hasComponent(std::string_view name) const;
 
-  /// Gives the package model's name of the first component of that name.
+  /// Sets `packageModel` to the name that the first component of a name has for its package model.
   ///
-  /// True if it is empty or a package model has it; false too if there is no such component.
+  /// True if that name is empty or a package model has it; false if there is no such component.
   bool packageModelFor(std::string_view component, std::string& packageModel) const;
 
   void addUserModelSelector(std::string_view text);

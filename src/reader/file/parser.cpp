@@ -38,13 +38,13 @@ IBISString headerText(IBISFile& file, IBISRecords records, std::int32_t& index) 
   return file.data().strings.store(multiLineText(records, index));
 }
 
-// Stores one header keyword; false for a keyword that is none.
+// Stores one header keyword; false for any other keyword.
 bool readHeaderKeyword(IBISFile& file, IBISRecords records, std::int32_t& index) {
   IBISFileData& data = file.data();
   const IBISRecord& record = recordAt(records, index);
   switch (record.keyword) {
     case keyword::dataLine:
-      return true;  // text below a keyword of one line is lost
+      return true;  // lines after a keyword of one line are lost
     case keyword::fileName:
       data.fileName = keywordText(record);
       return true;
@@ -148,7 +148,7 @@ void skipSection(IBISRecords records, std::int32_t& index) {
   while (index + 1 < count && !endsSection(recordAt(records, index + 1).keyword)) ++index;
 }
 
-// False at what ends the file ahead of the last record.
+// False if something ends the file before the last record.
 bool parseSections(IBISFile& file, IBISRecords records, std::int32_t& index,
                    const ReadOptions& options) {
   const auto count = static_cast<std::int32_t>(records.size());
@@ -166,7 +166,7 @@ bool parseSections(IBISFile& file, IBISRecords records, std::int32_t& index,
   return true;
 }
 
-// Each kind once, at its first line.
+// Reports each keyword once, at its first line.
 void reportPassed(IBISFile& file, std::span<const PassedKeyword> passed) {
   NameMap<ExactCase, std::int32_t> told;
   for (const PassedKeyword& each : passed) {

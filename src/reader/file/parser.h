@@ -6,13 +6,13 @@
 
 namespace ibis {
 
-/// Reads the header and the sections into the file; what stops it is told in the file's errors.
+/// Reads the header and the sections into the file; an error of the file says what stopped it.
 void parseFile(IBISFile& file, IBISRecords records, std::int32_t& index);
 
-/// The same piece by piece, with what a caller allows; the scanner's texts stay in use.
+/// The same piece by piece and with options; the file's records keep using the scanner's texts.
 void parseFile(IBISFile& file, IBISScanner& scanner, const ReadOptions& options = {});
 
-/// Ties pins to models and checks the named component, or all of them for an empty name.
+/// Resolves the models of pins and checks the named component, or all of them for an empty name.
 ///
 /// Runs once, on a file without errors.
 void postParse(IBISFile& file, std::string_view componentName,

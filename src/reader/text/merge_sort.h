@@ -17,7 +17,7 @@ void mergeSort(std::span<Item> items, std::span<Item> scratch, Less less) {
   const std::size_t half = items.size() / 2;
   mergeSort(items.first(half), scratch.first(half), less);
   mergeSort(items.subspan(half), scratch, less);
-  // Only the left half makes room: what is written never overtakes what is read of the right one.
+  // Only the left half is copied: writing never overtakes reading in the right half.
   std::ranges::copy(items.first(half), scratch.begin());
   auto left = scratch.begin();
   const auto leftEnd = left + static_cast<std::ptrdiff_t>(half);
@@ -28,28 +28,29 @@ void mergeSort(std::span<Item> items, std::span<Item> scratch, Less less) {
   }
 }
 
-// Brings the item of the number order[i] to place i, cycle by cycle.
+// Moves the item of index order[i] to index i, cycle by cycle.
 template <class Item>
 void reorder(std::span<Item> items, std::span<std::uint32_t> order) {
   for (std::uint32_t start = 0; start < order.size(); ++start) {
     const Item first = items[start];
-    std::uint32_t place = start;
-    while (order[place] != start) {
-      const std::uint32_t next = std::exchange(order[place], place);
-      items[place] = items[next];
-      place = next;
+    std::uint32_t index = start;
+    while (order[index] != start) {
+      const std::uint32_t next = std::exchange(order[index], index);
+      items[index] = items[next];
+      index = next;
     }
-    items[place] = first;
-    order[place] = place;
+    items[index] = first;
+    order[index] = index;
   }
 }
 
 }  // namespace detail
 
-/// Sorts from the top down: the first half holds n / 2 items, a right item goes ahead only if less.
+/// Sorts from the top down: the left half holds n / 2 items, and a right item comes first only if
+/// it is less.
 ///
-/// For a comparison that is no strict order the steps of a sort decide its result. They are fixed
-/// here, so that the result is the same wherever the library runs. Equal items keep their order.
+/// Where a comparison is not a strict order the steps of a sort decide its result. They are fixed
+/// here, so that the result is the same on every machine. Equal items keep their order.
 template <class Item, class Less>
 void mergeSort(std::span<Item> items, Less less) {
   // Numbers take less room than items.

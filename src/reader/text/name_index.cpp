@@ -15,7 +15,7 @@ std::uint64_t mix(std::uint64_t value) {
   return value ^ (value >> 32);
 }
 
-// The place of the program in memory and the time differ from process to process.
+// The program's address in memory and the time differ from process to process.
 std::uint64_t makeSeed() {
   static const char place = 0;
   const auto time = std::chrono::steady_clock::now().time_since_epoch().count();

@@ -16,16 +16,16 @@ struct ExactCase {
   static bool equal(std::string_view a, std::string_view b) { return a == b; }
 };
 
-/// Keys that are equal but for the case of ASCII letters.
+/// Keys that are equal, apart from the case of ASCII letters.
 struct IgnoringCase {
   static std::uint64_t hash(std::string_view key);
   static bool equal(std::string_view a, std::string_view b) { return equalIgnoringCase(a, b); }
 };
 
-/// Names in the order in which they were added, each once, found in near constant time.
+/// Names in the order in which they were added, each once, found in nearly constant time.
 ///
-/// The hash is seeded anew in each process, so that no file can be made to collide. Nothing that
-/// a load writes depends on it. Names are views; the caller keeps their text.
+/// Each process seeds the hash anew, so that nobody can make a file whose names collide. Nothing
+/// that a load writes depends on it. Names are views; the caller keeps their text.
 template <class Case>
 class NameIndex {
  public:
@@ -94,7 +94,7 @@ class NameIndex {
   }
 
   std::vector<std::string_view> names_;
-  std::vector<Slot> slots_;  // a power of two of them, at most four in five in use
+  std::vector<Slot> slots_;  // their number is a power of two; at most four in five are in use
 };
 
 /// A value for each name, found as NameIndex finds it.
@@ -110,7 +110,7 @@ class NameMap {
     return index == names_.absent ? nullptr : &values_[static_cast<std::size_t>(index)];
   }
 
-  /// Gives a name that has none yet its value; false, changing nothing, for one that has one.
+  /// Adds a name with its value; false, changing nothing, for a name that has one.
   bool add(std::string_view name, Value value) {
     if (contains(name)) return false;
     names_.add(name);

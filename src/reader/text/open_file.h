@@ -6,8 +6,8 @@ namespace ibis {
 
 /// Opens a file by a UTF-8 name and a mode text as fopen takes it.
 ///
-/// 0 on success, with the stream for the caller to close; on failure an error number that is not 0,
-/// and the stream is null. A host brings a function of its own.
+/// Returns 0 on success, and the caller closes the stream; on failure an error number that is not
+/// 0, and the stream is null. A host has a function of its own.
 using OpenFunction = int (*)(std::FILE** file, const char* name, const char* mode);
 
 /// The C library's fopen in that form.

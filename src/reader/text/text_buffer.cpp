@@ -27,7 +27,7 @@ OpenFile openRegularFile(const std::string& name, OpenFunction open, struct stat
   return opened;
 }
 
-// The scanner knows line feeds alone; a carriage return ahead of one stays, and is dropped there.
+// The scanner knows line feeds alone. A carriage return before one stays; the scanner drops it.
 void convertLoneCarriageReturns(char* text, std::size_t size) {
   char* const end = text + size;
   for (char* c = text; c != end; ++c) {

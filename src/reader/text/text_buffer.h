@@ -15,13 +15,13 @@ class TextBuffer {
   TextBuffer() = default;
   explicit TextBuffer(std::string_view text) { assign(text); }
 
-  /// Replaces the text by a copy of this one and goes back to its start.
+  /// Replaces the text by a copy of another and goes to its start.
   void assign(std::string_view text);
 
   /// Reads a file whole and turns lone carriage returns into line feeds.
   ///
-  /// False for a file that cannot be opened, is no regular file, holds 2^31 - 1 bytes or more, or
-  /// yields fewer bytes than its size; the buffer is then empty. The name is UTF-8.
+  /// False for a file that cannot be opened, is not a regular file, holds 2^31 - 1 bytes or more,
+  /// or yields fewer bytes than its size; the buffer is then empty. The name is UTF-8.
   bool loadFile(const std::string& name, OpenFunction open = openFile);
 
   /// Turns lone carriage returns into line feeds, as loadFile() does.
@@ -43,7 +43,7 @@ class TextBuffer {
     return c;
   }
 
-  /// The character that read() would give, without moving.
+  /// The character that read() would return, without moving.
   char peek() const {
     std::int32_t index = position_;
     while (index < size_ && bytes_[static_cast<std::size_t>(index)] == '\r') ++index;
