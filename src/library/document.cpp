@@ -10,7 +10,7 @@
 
 namespace ibis {
 
-// The scanner keeps the lines that it wrote anew, into which records point.
+// The scanner stays, since it owns the lines that it rewrote, and records point into them.
 struct Document::Content {
   TextBuffer text;
   std::optional<IBISScanner> scanner;

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::int32_t invalidWord = 2;
 
-// Whether nothing was found wrong.
+// Whether the model has no fault.
 bool checkModel(const IBISModel& model, IBISErrorHandler& errors) {
   const std::int32_t line = model.lineNumber;
   const std::string name = model.name.str();

@@ -42,13 +42,13 @@ double operatingPoint(Point point, Residual residual) {
   return v;
 }
 
-// What the four operating points of a corner share.
+// What the four operating points of a corner have in common.
 class LoadLine {
  public:
   LoadLine(const IBISModel& model, int corner)
       : model_(model), corner_(corner), load_(model.rLoad.value), oneOverR_(1.0 / load_) {}
 
-  // The pullup on, the load to a voltage.
+  // The operating point with the pullup on and the load at a voltage.
   double high(double loadVoltage) const {
     const double supply = model_.pullupReference.at(corner_);
     return operatingPoint([&](double x) { return supply + x; },
@@ -61,7 +61,7 @@ class LoadLine {
                           });
   }
 
-  // The pulldown on, the load to a voltage.
+  // The operating point with the pulldown on and the load at a voltage.
   double low(double loadVoltage) const {
     const double ground = model_.pulldownReference.at(corner_);
     return operatingPoint([](double x) { return x; },
@@ -112,7 +112,7 @@ void giveEdge(std::vector<IBISWaveform>& list, std::int32_t kind, const Estimate
   setFixture(*waveform, edge);
 }
 
-// The logarithm of cosh, whose own value would overflow far out.
+// The logarithm of cosh, which itself overflows for a large u.
 double logCosh(double u) {
   const double magnitude = std::fabs(u);
   return magnitude > linearLimit ? magnitude - std::log(2.0) : std::log(std::cosh(u));
@@ -132,14 +132,14 @@ Extremes extremesOf(const IBISTriple& triple) {
   return extremes;
 }
 
-// When the points of an estimated waveform come.
+// The times of an estimated waveform's points.
 struct TimeAxis {
   double start = 0.0;
   double end = 0.0;
   double step = 0.0;
 
   bool hasSteps() const { return step > 0.0 && std::isfinite(step); }
-  bool hasZero() const { return start > 0.0; }  // ahead of the start
+  bool hasZero() const { return start > 0.0; }  // a point at time 0, before the start
 };
 
 TimeAxis timeAxis(bool noDelay, const IBISTriple& rampTime) {
@@ -149,15 +149,16 @@ TimeAxis timeAxis(bool noDelay, const IBISTriple& rampTime) {
   return {.start = tMin * factor, .end = step + tMax * (factor + spanFactor), .step = step};
 }
 
-// Calls take(t) for each step, which is added up as it always was, but no more than limit times.
+// Calls take(t) for each step, at most limit times. The steps are added up, since a product would
+// change the last digits.
 template <class Take>
 void forEachStep(const TimeAxis& axis, std::int32_t limit, Take take) {
   std::int32_t count = 0;
   for (double t = axis.start; t < axis.end && count < limit; t += axis.step, ++count) take(t);
 }
 
-// A sum of a million steps is off by far less than one of them, so a division tells where the
-// limit is near enough to be counted.
+// Rounding moves a sum of maxTimePoints steps by far less than one step. So a division decides,
+// and steps are counted only near the limit.
 bool isTooLong(const TimeAxis& axis) {
   constexpr double margin = 2.0;
   const std::int32_t limit = maxTimePoints - (axis.hasZero() ? 1 : 0);
@@ -239,7 +240,7 @@ void solveCorner(IBISModel& model, int corner) {
   const double load = model.rLoad.value;
   const double vHighGnd = line.high(ground);
   const double vHighPwr = line.high(supply);
-  const double vLowGnd = line.low(0.0);  // to 0 volts, not to the pulldown reference
+  const double vLowGnd = line.low(0.0);  // load at 0 volts, not at the pulldown reference
   const double vLowPwr = line.low(supply);
   const double rise = model.rampDtRise.at(corner);
   const double fall = model.rampDtFall.at(corner);

@@ -22,10 +22,11 @@ bool breaksMonotony(std::int32_t direction, double voltage, double last) {
   return direction == IBISTable::descending ? voltage >= last : voltage <= last;
 }
 
-// Each point is held against the latest one kept, so a run behind a backward jump goes whole.
+// Each point is compared with the last one kept, so a whole run after a backward jump is dropped.
 //
-// A repeated keyword adds to the table and may turn it, again and again where not-a-numbers, which
-// break no order, keep it long. Points once found in order in a direction are not looked at again.
+// A repeated keyword adds to the table and may turn its direction. Not-a-numbers break no order, so
+// a long table may turn again and again. Points once found in order are not checked again in that
+// direction.
 bool dropBreakingPoints(IBISTable& table) {
   const std::size_t descends = table.direction == IBISTable::descending ? 1 : 0;
   std::int32_t& orderedOtherwise = table.ordered[1 - descends];

@@ -6,16 +6,15 @@
 
 namespace ibis {
 
-/// Appends the rows behind the keyword at the cursor and drops points that break monotony.
+/// Appends the rows after the keyword at the cursor and drops points that break monotony.
 ///
-/// A first column that does not grow (or fall) strictly costs one warning a table. The cursor is
-/// left on the last row.
+/// One warning a table reports that points were dropped. The cursor is left on the last row.
 void readTable(IBISTable& table, IBISRecords records, std::int32_t& cursor,
                IBISErrorHandler& errors, const char* tableName);
 
-/// Current and slope at a voltage, in amperes and amperes a volt; the end segments go on outside.
+/// Sets `value` and `slope` to the current at the voltage `x`, in amperes and amperes a volt.
 ///
-/// Writes nothing for a table that is not present.
+/// Outside the table its end segments go on. A table that is not present sets nothing.
 void evaluateTable(const IBISTable& table, double& value, double& slope, double x, int corner);
 
 }  // namespace ibis

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::int32_t otherWord = 2;
 
-// keyword or sub-parameter, the model's triple of that name
+// id of a keyword or a sub-parameter, the model's triple of that name
 struct TripleField {
   std::int32_t id;
   IBISTriple IBISModel::*triple;
@@ -182,7 +182,7 @@ class SectionReader {
         break;
       case keyword::addSubmodel:
       case keyword::driverSchedule:
-        // Goes on as [TTgnd], which reports the keyword a second time.
+        // Falls through to [TTgnd], which reports the keyword a second time.
         reportNotSupported();
         [[fallthrough]];
       case keyword::ttgnd:

@@ -9,15 +9,16 @@ namespace ibis {
 
 /// Fills a model from the [Model] record at the cursor.
 ///
-/// 1 if a keyword closed the section, with the cursor one ahead of it; 0 if the records ran out.
+/// Returns 1 if a keyword ended the section, with the cursor one before it; 0 if the records ran
+/// out.
 int readModelSection(IBISModel& model, IBISRecords records, std::int32_t& cursor,
                      IBISNameTable& nameTable, IBISErrorHandler& errors);
 
-/// Reads name and sub-parameter lines; the cursor is left on the last of them.
+/// Reads the name and the lines of sub-parameters; the cursor is left on the last of them.
 void readModelSubParameters(IBISModel& model, IBISRecords records, std::int32_t& cursor,
                             IBISNameTable& nameTable, IBISErrorHandler& errors);
 
-/// Reads the triples behind [Model Spec]; the cursor is left on the last line.
+/// Reads the triples after [Model Spec]; the cursor is left on the last line.
 void readModelSpec(IBISModel& model, IBISRecords records, std::int32_t& cursor);
 
 /// State of a series switch while a [Model] section is read.

@@ -9,14 +9,14 @@ namespace ibis {
 bool hasOutput(ModelType type);          ///< Drives its pin.
 bool hasInput(ModelType type);           ///< Receives from its pin.
 bool hasEnable(ModelType type);          ///< Its driver can be switched off.
-bool hasPushPullOutput(ModelType type);  ///< Drives both ways: two waveforms an edge.
+bool hasPushPullOutput(ModelType type);  ///< Drives high and low: two waveforms an edge.
 bool hasOneSidedOutput(ModelType type);  ///< Open or ECL driver: one waveform an edge.
 bool hasPolarity(ModelType type);        ///< Every type but GND, POWER, NC and Terminator.
 bool needsPulldown(ModelType type);
 bool needsPullup(ModelType type);
-bool isBuiltIn(ModelType type);  ///< GND, POWER or NC: no device stands behind it.
+bool isBuiltIn(ModelType type);  ///< GND, POWER or NC, which have no device.
 
-/// A type's word with each "/" and "-" as "_".
+/// A type's word with "_" for each "/" and "-".
 std::string typeText(ModelType type);
 
 /// The word for a type's device: the open types share one name; "/" and "-" stay.

@@ -9,7 +9,7 @@ void takeRange(IBISTriple& reference, const IBISTriple& range) {
   if (!reference.present && range.present) reference = range;
 }
 
-// Ground is assumed, but not as if the file had said so.
+// Ground is assumed, but does not count as given by the file.
 void takeGround(IBISTriple& reference) {
   if (!reference.present) reference = {};
 }

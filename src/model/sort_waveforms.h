@@ -4,7 +4,7 @@
 
 namespace ibis {
 
-/// Puts waveforms with the smallest fixture resistance first, where an edge has more than it needs.
+/// Sorts the waveforms by fixture resistance where an edge has more than it needs, smallest first.
 ///
 /// Equal resistances keep their order; a not-a-number is neither less nor greater.
 void sortWaveforms(IBISModel& model);

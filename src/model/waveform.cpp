@@ -34,7 +34,7 @@ void setFixtureValue(IBISWaveform& waveform, std::int32_t id, std::string_view t
   }
 }
 
-// Stops ahead of the first line whose first word is no sub-parameter: the rows begin there.
+// Stops before the first line whose first word is not a sub-parameter: the rows begin there.
 void readFixtureLines(IBISWaveform& waveform, IBISRecords records, std::int32_t& cursor) {
   std::string_view text;
   while (nextDataLine(records, cursor, text)) {

@@ -14,13 +14,13 @@ struct WaveformSelection {
   const IBISWaveform* const* end() const { return items + count; }
 };
 
-/// Appends the waveform behind the keyword at the cursor; the cursor is left on its last line.
+/// Appends the waveform after the keyword at the cursor; the cursor is left on its last line.
 void readWaveform(IBISRecords records, std::int32_t& cursor, std::vector<IBISWaveform>& list);
 
-/// Reads the slew rates and the test load behind [Ramp]; the cursor is left on its last line.
+/// Reads the slew rates and the test load after [Ramp]; the cursor is left on its last line.
 void readRamp(IBISModel& model, IBISRecords records, std::int32_t& cursor);
 
-/// The voltage of the fixture; a corner that the file left out takes typ. In volts.
+/// The voltage of the fixture in volts; a corner that the file leaves out takes typ.
 IBISTriple fixtureVoltages(const IBISWaveform& waveform);
 
 /// The resistance of the fixture, in ohms.
@@ -28,7 +28,7 @@ IBISOptional fixtureResistance(const IBISWaveform& waveform);
 
 /// Two rising and two falling waveforms for a push-pull type, one of each for an open or ECL type.
 ///
-/// An empty waveform stands in for a missing one. The references live as long as the model.
+/// An empty waveform replaces a missing one. The pointers are valid as long as the model lives.
 WaveformSelection selectWaveforms(const IBISModel& model);
 
 }  // namespace ibis

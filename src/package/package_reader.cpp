@@ -15,19 +15,19 @@ bool endsMatrix(std::int32_t id) {
 // The pins that a matrix may name, numbered from 1 in file order.
 struct PinNumbers {
   NameIndex<ExactCase> names;
-  std::int32_t count = 0;  // as the file promises, named or not
+  std::int32_t count = 0;  // [Number Of Pins], named or not
 
   bool isPin(std::int32_t number) const { return number >= 1 && number <= count; }
 };
 
-// Reads the rows of one matrix behind its keyword.
+// Reads the rows of one matrix after its keyword.
 class MatrixReader {
  public:
   MatrixReader(std::vector<IBISMatrixEntry>& entries, const PinNumbers& pins, IBISRecords records,
                std::int32_t& index, IBISErrorHandler& errors)
       : entries_(entries), pins_(pins), records_(records), index_(index), errors_(errors) {}
 
-  // Its rows are passed over, so that the next matrix is read normally.
+  // Passes over the rows, so that the next matrix is read normally.
   void readFull() {
     errors_.error(message::fullMatrixNotSupported, record().line);
     readRecords([this] {
@@ -36,7 +36,7 @@ class MatrixReader {
     });
   }
 
-  // Only the main diagonal exists.
+  // Reads the main diagonal, the only one that a banded matrix keeps.
   void readBanded() {
     readRecords([this] {
       switch (record().keyword) {
@@ -98,7 +98,7 @@ class MatrixReader {
     errors_.error(message::bandwidthNotSupported, record().line);
   }
 
-  // A name that is unknown leaves the row as it was.
+  // An unknown name leaves the row as it was.
   void readRow() {
     const std::int32_t number = findPin(keywordText(record()));
     if (number > 0) row_ = number;
@@ -113,7 +113,7 @@ class MatrixReader {
     return 0;
   }
 
-  // The file gives one triangle of a symmetric matrix, the other is made here.
+  // The file has one triangle of a symmetric matrix; this adds the other.
   void readSparseLine() {
     if (!pins_.isPin(row_)) return;
     Fields fields;
@@ -194,7 +194,7 @@ class SectionReader {
     }
   }
 
-  // The netlist has a line for each pin that the number promises, whether it is named or not.
+  // The netlist has a line for each pin of the number, whether the pin is named or not.
   void readNumberOfPins() {
     const std::int32_t number = parseInteger(record().text());
     if (number > IBISPackageModel::maxPins) {
@@ -254,7 +254,7 @@ class SectionReader {
     }
   }
 
-  // False with a message for a form that does not exist.
+  // False with a message for an unknown form.
   bool readMatrix(std::vector<IBISMatrixEntry>& matrix) {
     const IBISString form = keywordText(record());
     MatrixReader reader(matrix, pins_, records_, index_, errors_);

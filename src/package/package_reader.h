@@ -8,7 +8,7 @@ namespace ibis {
 
 /// Reads the [Define Package Model] at the index; always true.
 ///
-/// The index is left on [End Package Model], or one ahead of the keyword that ends the section.
+/// The index is left on [End Package Model], or one before the keyword that ends the section.
 bool readPackageModel(IBISPackageModel& model, IBISRecords records, std::int32_t& index,
                       IBISErrorHandler& errors);
 

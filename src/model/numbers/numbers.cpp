@@ -30,7 +30,7 @@ std::size_t countSpaces(std::string_view text) {
   return count;
 }
 
-// Outlives no load: the plug-in may be unloaded and loaded again.
+// Frees the locale as the library unloads: a plug-in may be unloaded and loaded again.
 class CLocale {
  public:
   CLocale() : locale_(newlocale(LC_ALL_MASK, "C", nullptr)) {}
@@ -45,7 +45,7 @@ class CLocale {
 
 const CLocale cLocale;
 
-// Hexadecimal numbers, infinities, not-a-numbers and those beyond the range of a double.
+// Reads hexadecimal numbers, infinities, not-a-numbers and numbers beyond the range of a double.
 NumberPrefix readUnusualNumber(std::string_view text) {
   const std::string copy(text);
   char* end = nullptr;
@@ -58,10 +58,10 @@ bool looksDecimal(std::string_view digits) {
   return digits.size() < 2 || digits[0] != '0' || (digits[1] != 'x' && digits[1] != 'X');
 }
 
-// Sign, digits, point and exponent, when a double holds the digits and the power of ten exactly:
-// then one correctly rounded operation gives what strtod does.
+// Reads a decimal number whose digits and power of ten a double holds exactly: then one correctly
+// rounded operation has strtod's result.
 //
-// A length of 0 stands for a text that is longer, larger or no decimal number at all.
+// A length of 0 stands for a text that is longer, larger or not a decimal number.
 NumberPrefix readShortNumber(std::string_view text) {
   constexpr int maxDigits = 19;  // as many as 64 bits hold
   constexpr std::uint64_t largestExact = std::uint64_t{1} << 53;
@@ -91,7 +91,7 @@ NumberPrefix readShortNumber(std::string_view text) {
     int power = 0;
     const char* const firstDigit = e;
     for (; e != end && isDigit(*e) && power < 1000; ++e) power = power * 10 + (*e - '0');
-    if (e != firstDigit) c = e;  // without digits the number ends ahead of its "e"
+    if (e != firstDigit) c = e;  // without digits the number ends before its "e"
     if (power >= 1000) return {};
     exponent += negative ? -power : power;
   }
@@ -134,9 +134,9 @@ double takeCorner(std::string_view& text, double fallback, int corner, MissingCo
   return parseNumber(field, fallback);
 }
 
-// The number of the next field, or of the filler where there is none.
+// The number of the next field, or of the filler if there is none.
 //
-// Nearly all are read in one pass, which the end of the number ends and not that of its field.
+// One pass reads nearly all numbers, without looking for the end of the field first.
 double takeNumber(std::string_view& text, std::string_view filler, double fallback,
                   bool& isMissing) {
   while (!text.empty() && isBlank(text[0])) text.remove_prefix(1);
@@ -187,7 +187,7 @@ std::int32_t parseInteger(std::string_view text) {
   for (; index < text.size() && isDigit(text[index]); ++index) {
     const int digit = text[index] - '0';
     if (value > (largest - digit) / 10) {
-      // As the C library: the long integer saturates and its low half is what atoi gives.
+      // As in the C library: the long integer saturates and atoi returns its low half.
       return static_cast<std::int32_t>(negative ? std::numeric_limits<std::int64_t>::min()
                                                 : largest);
     }
@@ -200,7 +200,7 @@ std::string_view takeField(std::string_view& text, std::string_view separators) 
   const char first = separators.front();
   const char second = separators[separators.size() > 1 ? 1 : 0];
   const char third = separators.back();
-  const bool hasMore = separators.size() > 3;  // which no caller's own set has
+  const bool hasMore = separators.size() > 3;  // no set of a caller has
   const auto isSeparator = [=](char c) {
     return c == first || c == second || c == third ||
            (hasMore && separators.find(c) != separators.npos);

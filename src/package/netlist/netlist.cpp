@@ -7,7 +7,7 @@
 namespace ibis {
 namespace {
 
-// head of a row, term of an entry
+// head of a matrix row, term of an entry
 struct ElementForm {
   std::string_view head;
   std::string_view term;
@@ -17,7 +17,7 @@ constexpr ElementForm capacitor{"BC_%row% IN_%rownode% REF q=", "%value%*V(IN_%c
 constexpr ElementForm inductor{"BL_%row% IN_%rownode% L_%rownode% flux=", "%value%*I(BL_%column%)"};
 constexpr ElementForm resistor{"BR_%row% L_%rownode% OUT_%rownode% v=", "%value%*I(BL_%column%)"};
 
-// A pin beyond the names has the empty name.
+// The name of a pin's node, from 1; a pin beyond the names has the empty name.
 std::string_view nodeName(std::span<const std::string_view> nodes, std::int32_t place) {
   const auto index = static_cast<std::size_t>(place) - 1;
   return place >= 1 && index < nodes.size() ? nodes[index] : std::string_view();
@@ -37,7 +37,7 @@ std::string entryTerm(std::string_view term, const IBISMatrixEntry& entry, std::
   return replaceFirst(std::move(text), "%colnode%", node);
 }
 
-// Row by row, the entries of each row in the order of the file.
+// Orders entries by row, those of one row in file order.
 std::vector<const IBISMatrixEntry*> orderByRow(std::span<const IBISMatrixEntry> matrix,
                                                std::int32_t rows) {
   std::vector<const IBISMatrixEntry*> entries;
@@ -74,7 +74,7 @@ std::string matrixText(std::span<const IBISMatrixEntry> matrix, const IBISPackag
   for (std::int32_t row = 1; row <= model.numberOfPins; ++row) {
     text += rowHead(head, row, nodeName(nodes, row));
     for (bool isFirst = true; entry != entries.end() && (*entry)->row == row; ++entry) {
-      // A negative number brings its own operator.
+      // A negative number has its own operator.
       text += isFirst || (*entry)->value < 0.0 ? " " : " + ";
       text += entryTerm(term, **entry, nodeName(nodes, (*entry)->column));
       isFirst = false;
