@@ -18,7 +18,7 @@ constexpr std::int32_t selectionsArgument = 3;
 
 constexpr std::size_t fixedSlots = 4;
 
-// The host asks for no count of argument 0, so its first string is taken as it is there.
+// The host expects no call of stringCount() for argument 0, so its first string is taken as it is.
 std::string firstString(const FuncArgsMinimal& arguments, std::int32_t argument) {
   const char* const* strings = arguments.stringArray(argument);
   return strings != nullptr && strings[0] != nullptr ? strings[0] : "";
@@ -51,7 +51,7 @@ const char* statusText(const IBISFileData& file) {
   return file.warnings.empty() ? "0" : "1";
 }
 
-// Heap strings on their way to the host; what does not arrive is released.
+// Heap strings on their way to the host; strings that do not arrive are released.
 class HeapStrings {
  public:
   explicit HeapStrings(std::size_t count) { strings_.reserve(count); }
@@ -74,7 +74,7 @@ class HeapStrings {
   std::vector<char*> strings_;
 };
 
-// Slots: status, root directory, number of warnings, number of errors, warnings, errors.
+// Fills the slots: status, root directory, number of warnings, number of errors, warnings, errors.
 void fillResult(const IBISFileData& file, const YString& rootDirectory, FuncResultMinimal& result) {
   HeapStrings strings(file.warnings.size() + file.errors.size() + fixedSlots);
   strings.add(duplicateText(statusText(file)));
@@ -87,7 +87,7 @@ void fillResult(const IBISFileData& file, const YString& rootDirectory, FuncResu
   strings.handOver(result);
 }
 
-// For when there is no memory for all that was found.
+// Reports one reason alone, when there is no memory for all messages.
 void fillFailure(const char* reason, const YString& rootDirectory, FuncResultMinimal& result) {
   HeapStrings strings(fixedSlots + 1);
   strings.add(duplicateText("2"));
@@ -98,7 +98,7 @@ void fillFailure(const char* reason, const YString& rootDirectory, FuncResultMin
   strings.handOver(result);
 }
 
-// Does the work; for whatever it throws but the host family's own, tells the reason.
+// Does the work and reports the reason of any exception but the host family's, which goes on.
 template <class Work, class Report>
 void guard(Work work, Report report) {
   try {
@@ -112,7 +112,7 @@ void guard(Work work, Report report) {
   }
 }
 
-// A failure of the program is one more error of the load, beside what was found until then.
+// A failure of the program is one more error of the load, after those found before.
 void runLoad(LoadRequest request, const YString& rootDirectory, FuncResultMinimal& result) {
   Load load(std::move(request));
   const auto addFailure = [&](const char* reason) {
@@ -131,7 +131,7 @@ void runLoad(LoadRequest request, const YString& rootDirectory, FuncResultMinima
   });
 }
 
-// Without memory even for a failure the host gets a result without strings.
+// Without memory even for one message the host gets a result without strings.
 void loadOrReport(const FuncArgsMinimal& arguments, FuncResultMinimal& result) {
   const auto nothing = [](const char*) {};
   guard(
@@ -148,7 +148,7 @@ void loadOrReport(const FuncArgsMinimal& arguments, FuncResultMinimal& result) {
       nothing);
 }
 
-// The host waits for the end of every call, also of one that an exception leaves.
+// The host waits for finish() in every call, also in one that an exception leaves.
 class FinishGuard {
  public:
   explicit FinishGuard(FuncResultMinimal& result) : result_(result) {}
@@ -160,7 +160,7 @@ class FinishGuard {
   FuncResultMinimal& result_;
 };
 
-// The inner layer holds a reference of its own to the handler, which it never writes to.
+// Holds a reference of its own to the handler, but writes nothing to it.
 FUNC_ERROR loadWithHandler(const FuncArgsMinimal& arguments, FuncResultMinimal& result,
                            // NOLINTNEXTLINE(performance-unnecessary-value-param): a reference held
                            [[maybe_unused]] const YRef<MessageHandler> handler) {
@@ -175,7 +175,7 @@ FUNC_ERROR IBIS_Load(const FuncArgsMinimal& arguments, FuncResultMinimal* result
   return loadWithHandler(arguments, *result, handler);
 }
 
-// Nothing sets this; set, it would leave the group out of the registration.
+// Nothing sets this; if set, it would leave the group out of the registration.
 bool hasNoGroup;
 
 const FuncConstruct registration("IBIS_Load",

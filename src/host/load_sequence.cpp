@@ -89,7 +89,7 @@ void Load::checkComponent() {
   }
 }
 
-// Asked for by name it is the last of that name, although the first was prepared.
+// Of several components with the name asked for, this is the last, although the first was prepared.
 const IBISComponent* Load::chosenComponent() const {
   const auto& components = file_.data().components;
   if (component_.empty()) return components.empty() ? nullptr : components.front().get();

@@ -12,26 +12,26 @@
 
 namespace ibis {
 
-/// What a caller asks of one load.
+/// The arguments of one load.
 struct LoadRequest {
   std::string source = {};             ///< Name of the IBIS file, as the caller gives it.
   std::string mode = {};               ///< Text of the output mode.
-  std::string component = {};          ///< Empty for all components, of which the first is written.
+  std::string component = {};          ///< Empty to check all components and write the first.
   std::string rootDirectory = {};      ///< Where output files go.
-  std::string subcircuit = {};         ///< Empty if the caller gives none.
-  std::vector<std::string> pins = {};  ///< The pins wanted; none for all.
+  std::string subcircuit = {};         ///< Name of the subcircuit; empty if the caller gives none.
+  std::vector<std::string> pins = {};  ///< Names of the pins wanted; empty for all.
   std::vector<std::string> selections = {};  ///< Descriptions of selector rows, with escapes.
 };
 
-/// One load: the file with all that was found wrong with it, and what its records point into.
+/// One load: the file with its faults, and the text that its records point into.
 class Load {
  public:
   explicit Load(LoadRequest request);
 
-  /// Reads and checks the file, once; afterwards its errors tell whether anything may be written.
+  /// Reads and checks the file, once; afterwards its errors decide whether anything may be written.
   void read();
 
-  /// Writes the mode's files if no error stands, and returns the names of those that were opened.
+  /// Writes the mode's files if there is no error, and returns the names of those that were opened.
   std::vector<std::string> write();
 
   /// The same into a sink.
@@ -44,10 +44,10 @@ class Load {
   /// Whether the source could be opened and read whole.
   bool sourceWasRead() const { return sourceWasRead_; }
 
-  /// Names of the files written in which a number is not finite.
+  /// Names of the files written that hold a number that is not finite.
   const std::vector<std::string>& nonFiniteFiles() const { return nonFiniteFiles_; }
 
-  /// The component that write() writes: the last of the name, the file's first without a name.
+  /// The component that write() writes: the last of the name, or the file's first without a name.
   const IBISComponent* chosenComponent() const;
 
  private:
@@ -60,14 +60,14 @@ class Load {
   IBISString component_;
   std::vector<IBISString> pinFilter_;
   TextBuffer text_;
-  std::optional<IBISScanner> scanner_;  // keeps the lines that it wrote anew
+  std::optional<IBISScanner> scanner_;  // owns the lines that it rewrote
   bool wasRead_ = false;
   bool sourceWasRead_ = false;
   std::vector<std::string> nonFiniteFiles_;
   IBISFile file_;
 };
 
-/// A selector choice without its backslash escapes, cut to 255 characters.
+/// A user's selection without its backslash escapes, cut to 255 characters.
 std::string withoutEscapes(std::string_view text);
 
 }  // namespace ibis

@@ -1,4 +1,4 @@
 #pragma once
 
-/// Marks what the support library offers to plug-ins and hosts.
+/// Marks what the support library exports to plug-ins and hosts.
 #define IBIS_SUPPORT_API __attribute__((visibility("default")))

@@ -10,11 +10,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int mostLinks = 40;  // as the kernel follows in one path
+constexpr int mostLinks = 40;  // as many as the kernel follows in one path
 
 std::deque<fs::path> componentsOf(const fs::path& path) { return {path.begin(), path.end()}; }
 
-// Takes one component after the other, since a link may stand anywhere and lead to nothing.
+// Takes one component after the other, since any of them may be a link, even one to nothing.
 std::optional<fs::path> withoutLinks(const fs::path& absolute) {
   std::deque<fs::path> pending = componentsOf(absolute);
   fs::path resolved;
@@ -27,7 +27,7 @@ std::optional<fs::path> withoutLinks(const fs::path& absolute) {
       continue;
     }
     if (component.empty() || component == ".") continue;
-    const fs::path next = resolved / component;  // the root component starts anew
+    const fs::path next = resolved / component;  // a root component replaces all before it
     std::error_code fault;
     if (!fs::is_symlink(next, fault)) {
       resolved = next;

@@ -11,7 +11,7 @@ struct Registry {
   std::vector<const FuncConstruct*> functions;
 };
 
-// Made at the first registration, which may come before this library's own statics.
+// Made at the first registration, which may come before this library's own static objects.
 Registry& registry() {
   static Registry instance;
   return instance;

@@ -9,14 +9,14 @@
 #include "support/export.h"
 #include "support/ystring.h"
 
-// How a plug-in meets the simulator: a static FuncConstruct registers a script function while the
-// library loads and takes it back while it unloads. The host looks functions up by name and calls
-// them on the thread of the script.
+// The interface between a plug-in and the simulator: a static FuncConstruct registers a script
+// function while the library loads and removes it while the library unloads. The host looks
+// functions up by name and calls them on the thread of the script.
 
-/// A script function's outcome towards the host.
+/// The status that a script function returns to the host.
 enum class FUNC_ERROR : std::int32_t { success = 0 };
 
-/// What one argument of a script function is.
+/// The kind of one argument of a script function.
 enum class argType : std::int32_t { stringArray = 1 };
 
 /// Several forms of one argument; no function here has any.
@@ -26,7 +26,7 @@ struct MultiDef {};
 template <class T>
 using ArgTypeList = std::vector<T>;
 
-/// The kind of value that a script function gives to the host's other scripting language.
+/// The kind of value that a script function returns to the host's other scripting language.
 enum class PythonReturnType : std::int32_t { stringArray = 12 };
 
 /// Further settings of a script function; the first word holds flags.
@@ -34,10 +34,10 @@ struct FunctionOption {
   std::int32_t flags = 0;
 };
 
-/// The script's parse state, not used by functions that take all from their arguments.
+/// The script's parse state; not used by functions that need only their arguments.
 struct ScpParseContext;
 
-/// The host's state of one call, not used by functions that keep nothing.
+/// The host's state of one call; not used by functions that keep nothing.
 struct FunctionRunTime;
 
 /// Where a script function may write messages; destroyed through its virtual destructor.
@@ -46,7 +46,8 @@ class IBIS_SUPPORT_API MessageHandler {
   virtual ~MessageHandler();
 };
 
-/// A counted reference: a pointer to a block of an object pointer and an atomic 32-bit count.
+/// A counted reference: a pointer to a block that holds an object pointer and an atomic 32-bit
+/// count.
 ///
 /// The last reference destroys the object, if any, and frees the block. References may be copied on
 /// any thread; one reference belongs to one thread at a time.
@@ -70,7 +71,7 @@ class YRef {
 
   T* get() const { return block_ != nullptr ? block_->object : nullptr; }
 
-  /// How many references share the object; 0 for one that refers to nothing.
+  /// How many references share the object; 0 for a reference to nothing.
   std::int32_t count() const { return block_ != nullptr ? block_->count.load() : 0; }
 
  private:
@@ -89,7 +90,7 @@ class FuncArgsMinimal {
 
   /// The NUL-terminated 8-bit strings of an argument, or null when it is absent.
   ///
-  /// A null pointer stands behind the last string.
+  /// A null pointer follows the last string.
   virtual const char* const* stringArray(std::int32_t index) const = 0;
 
   /// How many strings the argument has.
@@ -101,13 +102,13 @@ class FuncResultMinimal {
  public:
   virtual ~FuncResultMinimal() = default;
 
-  /// Makes the result an array of `count` string slots, all null, and gives it for filling.
+  /// Makes the result an array of `count` string slots, all null, and returns it for filling.
   ///
   /// Each slot takes a heap string, which the result then owns and releases with free(). A second
   /// call releases what the first one made.
   virtual char** allocateStrings(std::int32_t count) = 0;
 
-  /// Called once by the function when it has filled the result, whatever it did.
+  /// Ends the filling; the function calls it once, whether it succeeded or not.
   virtual void finish() = 0;
 };
 
@@ -119,7 +120,7 @@ using ScriptFunction = FUNC_ERROR (*)(const FuncArgsMinimal&, FuncResultMinimal*
 /// Registers a script function for as long as it lives; made and destroyed on the loading thread.
 class IBIS_SUPPORT_API FuncConstruct {
  public:
-  /// The texts are copied. `group` is a further text, whose use lies in the host.
+  /// The texts are copied. `group` is a further text that only the host uses.
   FuncConstruct(const char* name, ArgTypeList<argType> arguments, ArgTypeList<MultiDef> forms,
                 std::int32_t minimumArguments, std::int32_t maximumArguments, ScriptFunction entry,
                 const char* group, PythonReturnType returnType, FunctionOption option);

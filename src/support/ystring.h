@@ -4,11 +4,11 @@
 
 #include "support/export.h"
 
-/// The host's string: one pointer to a shared block, its text four bytes behind that pointer.
+/// The host's string: one pointer to a shared block of a four-byte count and the text after it.
 ///
-/// Copies share the block, whose first four bytes count them; the text is NUL-terminated 8-bit and
-/// never changes. Every operation may be called on any thread; one object belongs to one thread at
-/// a time. Running out of memory raises std::bad_alloc.
+/// Copies share the block and its count. The text is NUL-terminated 8-bit and never changes. Every
+/// operation may be called on any thread; one object belongs to one thread at a time. Running out
+/// of memory raises std::bad_alloc.
 class IBIS_SUPPORT_API YString {
  public:
   YString();                    ///< The empty text.
@@ -21,12 +21,12 @@ class IBIS_SUPPORT_API YString {
   /// A new heap copy of the text; the caller owns it and releases it with free().
   char* copy() const;
 
-  /// Hands the text over as a heap string that the caller owns and releases with free().
+  /// Returns the text as a heap string, which the caller owns and releases with free().
   ///
   /// The object is empty afterwards; other copies keep their text.
   char* detach();
 
-  /// The text itself, valid until the last copy of it is gone; never null.
+  /// The text itself, never null; valid until the last copy is destroyed.
   const char* text() const { return reinterpret_cast<const char*>(block_) + textOffset; }
 
  private:

@@ -8,15 +8,15 @@
 
 namespace ibis {
 
-/// Where readers and the template engine report what they find wrong; they never print or throw.
+/// Takes the faults that readers and the template engine find; they never print or throw.
 class IBISErrorHandler {
  public:
   virtual ~IBISErrorHandler() = default;
 
-  /// Adds a problem that keeps output files from being written; takes printf's arguments.
+  /// Adds a fault that keeps output files from being written; takes printf's arguments.
   virtual void error(const char* format, ...) IBIS_PRINTF_FORMAT(2, 3) = 0;
 
-  /// Adds a problem that stops nothing; takes printf's arguments.
+  /// Adds a fault that stops nothing; takes printf's arguments.
   virtual void warning(const char* format, ...) IBIS_PRINTF_FORMAT(2, 3) = 0;
 };
 

@@ -15,7 +15,7 @@ std::string leadOf(std::int32_t line) { return "Line " + std::to_string(line) + 
 
 bool endsInLineFeed(const MessageRow& row) { return std::string_view(row.format).ends_with('\n'); }
 
-// The line among the arguments of a row; 0 where the row has none.
+// The line among the arguments of a row; 0 if the row has none.
 std::int32_t lineAmong(const MessageRow& row, std::va_list& arguments) {
   if (row.place == LinePlace::none) return 0;
   if (row.place == LinePlace::second) static_cast<void>(va_arg(arguments, const char*));
@@ -30,7 +30,7 @@ std::int32_t lineOf(const MessageRow& row, std::va_list arguments) {
   return line;
 }
 
-// The text behind the line in front, without line end.
+// The text after the leading line number, without a line end.
 std::string_view ownText(const MessageRow& row, std::int32_t line, std::string_view text) {
   if (row.place == LinePlace::shown || row.place == LinePlace::silent) {
     text.remove_prefix(leadOf(line).size());

@@ -7,7 +7,7 @@
 
 namespace ibis {
 
-/// Where a message has the line of the IBIS file that it speaks of; see messages.def.
+/// Which argument of a message is the line that it speaks of; see messages.def.
 enum class LinePlace : std::uint8_t { none, shown, silent, second };
 
 // How a row's format begins, by its place.
@@ -18,7 +18,7 @@ enum class LinePlace : std::uint8_t { none, shown, silent, second };
 
 namespace message {
 
-/// The texts of all messages, each a printf format under the name of its row.
+/// The texts of all messages, each a printf format with the name of its row.
 #define IBIS_MESSAGE(identifier, place, text) \
   inline constexpr char identifier[] = IBIS_LEAD_##place text;
 #include "host/diagnostics/messages.def"
@@ -26,7 +26,7 @@ namespace message {
 
 }  // namespace message
 
-/// An identifier in lower case with hyphens, as diagnostics carry it.
+/// An identifier in lower case with hyphens, as diagnostics have it.
 class MessageId {
  public:
   constexpr explicit MessageId(std::string_view identifier) {
@@ -48,13 +48,13 @@ class MessageId {
 struct MessageRow {
   MessageId id;
   LinePlace place;
-  const char* format;  ///< With the line in front where that is shown or silent.
+  const char* format;  ///< Begins with the line where that is shown or silent.
 };
 
 /// The message table in its own order.
 std::span<const MessageRow> messageTable();
 
-/// The row of a format, compared by address, or null for a format that is none of the table's.
+/// The row of a format, compared by address, or null for a format that is not in the table.
 const MessageRow* findMessage(const char* format);
 
 /// The row of a diagnostic's id, compared by address, or null.
