@@ -18,7 +18,7 @@ constexpr std::int32_t selectionsArgument = 3;
 
 constexpr std::size_t fixedSlots = 4;
 
-// The host expects no call of stringCount() for argument 0, so its first string is taken as it is.
+// No count is asked for argument 0, so its first string is taken as it is.
 std::string firstString(const FuncArgsMinimal& arguments, std::int32_t argument) {
   const char* const* strings = arguments.stringArray(argument);
   return strings != nullptr && strings[0] != nullptr ? strings[0] : "";

@@ -11,7 +11,7 @@ namespace {
 constexpr std::size_t maxKeyword = 127;
 constexpr std::int32_t noPiece = -1;
 
-// What is made lives as long as the memory, which goes as a whole.
+// Its objects live as long as the memory, which is freed as a whole.
 using Memory = std::pmr::monotonic_buffer_resource;
 
 template <class Item>
@@ -71,7 +71,7 @@ char CompiledTemplate::at(std::int32_t index) const {
   return place < text_.size() ? text_[place] : '\0';
 }
 
-// Carriage returns count nowhere.
+// The index after any carriage returns, which count nowhere.
 std::int32_t CompiledTemplate::behindReturns(std::int32_t index) const {
   while (at(index) == '\r') ++index;
   return index;
@@ -111,7 +111,7 @@ TemplatePiece CompiledTemplate::scan(std::int32_t index) {
     default:
       break;
   }
-  // Blanks belong to the text if more of it follows.
+  // Blanks belong to the text if more text follows them.
   for (std::int32_t next = index; isText(at(next)); end = next) {
     while (isText(at(next))) ++next;
     end = next;

@@ -9,14 +9,14 @@
 
 namespace ibis {
 
-/// A keyword of a template with all that can be known of it before it is met.
+/// A keyword of a template with all that is known of it before the template is expanded.
 struct TemplateKeyword {
   std::string_view text;       ///< Between the percent signs, at most 127 characters.
   KeywordArguments arguments;  ///< The text cut at commas.
   ValueHandler value = nullptr;
   ConditionHandler condition = nullptr;
   LoopFactory loop = nullptr;
-  bool worksUnopened = false;  ///< Is called without an open file, too.
+  bool worksUnopened = false;  ///< Is also called without an open file.
   bool endsLoop = false;
   bool isElse = false;
   bool isEndif = false;
@@ -24,12 +24,12 @@ struct TemplateKeyword {
 
   std::string_view name() const { return arguments.front(); }
 
-  // What the objects of a loop say of it, asked once for each kind.
+  // Its meaning to the objects of a loop, looked up once for each kind.
   const void* loopKind = nullptr;
   LoopWord loopWord = {};
 };
 
-/// What stands in a template one after the other.
+/// The kinds of pieces that a template consists of.
 enum class PieceKind : std::uint8_t {
   text,          ///< Printable characters and the blanks between them.
   blanks,        ///< Held back until something follows.
@@ -38,15 +38,15 @@ enum class PieceKind : std::uint8_t {
   commentLine,   ///< A line feed and the comment that follows it.
   percent,       ///< Two percent signs.
   keyword,       ///< A keyword with its percent signs.
-  unterminated,  ///< What begins with a percent sign and ends with a line.
+  unterminated,  ///< A percent sign and the rest of its line.
   jump,          ///< Goes on at another piece.
   end,
 };
 
-/// One piece; what it does to line and column is the same wherever it stands.
+/// One piece; it moves line and column in the same way wherever it stands.
 struct TemplatePiece {
   PieceKind kind = PieceKind::end;
-  std::int32_t end = 0;                ///< Index behind the piece in the template.
+  std::int32_t end = 0;                ///< Index in the template after the piece.
   std::int32_t count = 0;              ///< Characters; lines of an unterminated keyword; of a jump
                                        ///< the piece to go on at.
   std::string_view text = {};          ///< As it stands; of a keyword with percent signs and tabs.
@@ -60,7 +60,7 @@ class CompiledTemplate {
  public:
   explicit CompiledTemplate(std::string_view text);
 
-  /// The piece that begins at an index of the text, which lies in no keyword and no comment.
+  /// The piece that begins at an index of the text, which is not inside a keyword or a comment.
   std::size_t pieceAt(std::int32_t index);
 
   const TemplatePiece& piece(std::size_t number) const { return pieces_[number]; }

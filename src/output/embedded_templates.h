@@ -10,7 +10,7 @@ namespace ibis {
 
 /// A template that is part of the program.
 struct EmbeddedTemplate {
-  const char* const* lines;  ///< Each keeps its line end; the last may be empty or lack it.
+  const char* const* lines;  ///< Each with its line end; the last may be empty or lack it.
   std::int32_t lineCount;
   const char* timeStamp;  ///< Of the text's last change; no output shows it.
   const char* name;
@@ -19,7 +19,8 @@ struct EmbeddedTemplate {
 /// The templates by name: component, package, info, script.
 std::span<const EmbeddedTemplate> embeddedTemplates();
 
-/// Puts the whole text of a template into the buffer; false and empty if no template has the name.
+/// Puts the whole text of a template into the buffer; false, with an empty buffer, if no template
+/// has the name.
 bool loadEmbedded(TextBuffer& buffer, std::string_view name);
 
 // Made at build time from the files in output/templates.

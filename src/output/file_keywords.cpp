@@ -28,7 +28,7 @@ std::string_view takeLine(std::string_view& text) {
   return line;
 }
 
-// The heading is the IBIS keyword that carries the text; its width pads the first line alone.
+// The heading is the IBIS keyword of the text; its width pads the first line alone.
 bool writeLines(OutputStream* out, const KeywordPosition& position,
                 const KeywordArguments& arguments, std::string_view text,
                 std::string_view heading) {
@@ -48,7 +48,7 @@ bool writeLines(OutputStream* out, const KeywordPosition& position,
   return false;
 }
 
-// The text of the run's component, or nothing without one.
+// The text of the run's component; empty without a component.
 std::string_view componentText(const OutputRun& run, IBISString IBISComponent::*text) {
   const IBISComponent* component = run.component();
   return component == nullptr ? std::string_view() : (component->*text).view();
@@ -56,7 +56,7 @@ std::string_view componentText(const OutputRun& run, IBISString IBISComponent::*
 
 bool isBlank(char c) { return c == ' ' || c == '\t'; }
 
-// Reads on behind the keyword; a line end stays for the engine, a blank is consumed.
+// Reads the word after the keyword; a line end stays for the engine, a blank is consumed.
 std::string takeWord(TextBuffer& text) {
   while (isBlank(text.peek())) text.read();
   std::string word;
@@ -73,7 +73,7 @@ struct PackageNodes {
   PackageNodes(const IBISPackageModel& model, const IBISComponent& component) {
     NameMap<ExactCase, IBISString> signals;
     for (const IBISPin& pin : component.pins) signals.add(pin.name, pin.signal_name);
-    // A pin that the component lacks still needs a node, and no two of them the same one.
+    // Each pin that the component lacks still needs a node of its own.
     std::int32_t missing = 0;
     for (const IBISString pin : model.pinNames) {
       const IBISString* signal = signals.find(pin);

@@ -7,7 +7,7 @@ namespace ibis {
 /// Opens the file that the rest of the template's word names; writes nothing.
 ValueFunction openFile;
 
-// Each writes one text of the file or of the run's component behind the blanks held back.
+// Each writes one text of the file or of the run's component after the blanks held back.
 ValueFunction writeComponentName;
 ValueFunction writeCopyright;
 ValueFunction writeDate;
@@ -26,7 +26,7 @@ ValueFunction writeVersion;
 /// Writes the netlist of the component's package model and a line end, or nothing at all.
 ValueFunction writePackageModel;
 
-/// Writes nothing: a root directory has a use in file names alone.
+/// Writes nothing: a root directory is used in file names alone.
 ValueFunction writeRootDirectory;
 
 /// Whether one of the component's models has the type that the first argument names exactly.

@@ -11,7 +11,7 @@ inline constexpr std::string_view subcircuitWord = "%subcktname%";
 /// What the names of output files are made from.
 struct OutputPlace {
   std::string rootDirectory;
-  std::string subcircuit;          ///< As the user gave it.
+  std::string subcircuit;          ///< As the user typed it.
   std::string spiceComponentName;  ///< Empty without a component.
 };
 

@@ -6,7 +6,7 @@ namespace ibis {
 
 class OutputRun;
 
-/// Writes a value; gives whether the line end behind the keyword is dropped.
+/// Writes a value; returns whether the line end after the keyword is dropped.
 using ValueFunction = bool(OutputRun& run, OutputStream* out, const KeywordPosition& position,
                            TextBuffer& text, const KeywordArguments& arguments);
 using ValueHandler = ValueFunction*;
@@ -15,7 +15,7 @@ using ValueHandler = ValueFunction*;
 using LoopFunction = bool(OutputRun& run, LoopItems& items);
 using LoopFactory = LoopFunction*;
 
-/// Tells whether the text behind the keyword is active.
+/// Returns whether the text after the keyword is active.
 using ConditionFunction = bool(OutputRun& run, TextBuffer& text, const KeywordArguments& arguments);
 using ConditionHandler = ConditionFunction*;
 

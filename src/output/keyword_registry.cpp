@@ -33,7 +33,7 @@ Handler find(std::string_view name) {
   return nullptr;
 }
 
-// The whole vocabulary of the templates outside their loops; nobody reads the flags.
+// The whole vocabulary of the templates outside their loops; nothing reads the array itself.
 [[maybe_unused]] const bool registered[] = {
     addLoopKeyword("forallmodels", forAllModels),
     addLoopKeyword("foreachcomponent", forEachComponent),

@@ -11,7 +11,7 @@
 namespace ibis {
 namespace {
 
-// Cut towards zero; what no 32-bit integer holds gives the smallest one.
+// Rounds towards zero; a value that no 32-bit integer holds becomes the smallest one.
 std::int32_t truncated(double value) {
   constexpr std::int32_t smallest = std::numeric_limits<std::int32_t>::min();
   constexpr double beyond = 2147483648.0;

@@ -12,7 +12,7 @@ namespace ibis {
 template <class Object>
 struct LoopValueRow {
   std::string_view keyword;
-  bool writesBlanks;  ///< Whether the blanks held back stand in front; if not they are lost.
+  bool writesBlanks;  ///< Whether the blanks held back are written first; if not they are lost.
   void (*write)(const Object& object, OutputStream& out, std::int32_t column);
 };
 

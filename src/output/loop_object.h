@@ -17,7 +17,7 @@ namespace ibis {
 struct KeywordPosition {
   std::int32_t line = 1;
   std::int32_t column = 1;         ///< Of the opening percent sign, from 1, tabs expanded.
-  std::int32_t pendingSpaces = 0;  ///< Blanks held back in front, for the handler to write.
+  std::int32_t pendingSpaces = 0;  ///< Blanks held back before it, for the handler to write.
 };
 
 /// A keyword's text cut at commas; item 0 is the keyword's name.
@@ -37,15 +37,15 @@ struct LoopWord {
   Holds* holds = nullptr;     ///< Of a condition.
 };
 
-/// One pass of a template loop: answers the keywords that mean something inside it.
+/// One pass of a template loop: it knows the keywords that mean something inside it.
 class ForEachObject {
  public:
   virtual ~ForEachObject() = default;
 
-  /// What a value's whole text or a condition's name means here; the same for all of a kind.
+  /// The meaning of a value's whole text or a condition's name; the same for all objects of a kind.
   virtual LoopWord word(std::string_view keywordText) const = 0;
 
-  /// Tells objects of one kind from those of another.
+  /// Identifies the kind of the object.
   virtual const void* kind() const = 0;
 
   /// Goes on to the next pass of an object that stands for several; false at its last.
@@ -54,7 +54,7 @@ class ForEachObject {
   /// Goes back to the object's first pass.
   virtual void rewind() {}
 
-  /// Without a stream, tells whether the keyword is known; with one, writes it and returns false.
+  /// Without a stream, returns whether the keyword is known; with one, writes it and returns false.
   bool value(std::string_view keywordText, OutputStream* out, const KeywordPosition& position,
              TextBuffer& /*text*/) const {
     const LoopWord known = word(keywordText);
@@ -66,7 +66,7 @@ class ForEachObject {
   /// Whether the name is a condition here.
   bool isCondition(std::string_view name) const { return word(name).holds != nullptr; }
 
-  /// What the condition says of the object.
+  /// Whether the condition holds for the object.
   bool evaluate(std::string_view name, const KeywordArguments& arguments) const {
     const LoopWord known = word(name);
     return known.holds != nullptr && known.holds(known.row, *this, arguments);
@@ -113,7 +113,7 @@ class LoopItems {
     return true;
   }
 
-  /// The object of the pass that runs; there is none in an empty list.
+  /// The object of the current pass; an empty list has none.
   const ForEachObject& current() const { return *current_; }
   bool isAtFirst() const { return isAtFirst_; }
 

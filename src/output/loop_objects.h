@@ -24,7 +24,7 @@ class ForEachPin : public ForEachObject {
   /// A pin by itself.
   ForEachPin(const IBISPin& each, const IBISComponent& owner) : pin(&each), component(owner) {}
 
-  /// A pin with all that an entry of a component says of it; the halves of a pair may be missing.
+  /// A pin with its entry in a component; the halves of a pair may be missing.
   ForEachPin(const IBISPinEntry& each, const IBISComponent& owner)
       : pin(each.pin), entry(&each), component(owner) {}
   LoopWord word(std::string_view keywordText) const override;
@@ -47,7 +47,7 @@ class ForEachOfPins final : public ForEachPin {
 /// The entries of a component, or those of one type, a pass each.
 class ForEachOfEntries final : public ForEachPin {
  public:
-  /// What a pass shows of an entry that is half a pair.
+  /// How a pass shows an entry that is half a pair.
   enum class Halves { asTheyStand, asSingles };
 
   /// Begins at the first entry of the type, which the component has; without a type at the first.
@@ -86,7 +86,7 @@ class ForEachModelSelector final : public ForEachObject {
 
   const IBISModelSelectorRow& row;
   IBISString selectorName;
-  std::string modelType;  ///< Type text of the row's model, "unknown" for none.
+  std::string modelType;  ///< Type text of the row's model; "unknown" if there is no such model.
 };
 
 class ForEachUserModelSelector final : public ForEachObject {
@@ -108,7 +108,7 @@ class ForEachWaveform final : public ForEachObject {
   LoopWord word(std::string_view keywordText) const override;
   const void* kind() const override;
 
-  /// The table itself.
+  /// The waveform itself.
   const IBISWaveform& waveform() const;
 
   const IBISModel& model;

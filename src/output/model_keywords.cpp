@@ -39,7 +39,7 @@ void writeModelTriple(const ForEachModel& loop, OutputStream& out, std::int32_t)
   writeTriple(out, loop.model.*triple, digits);
 }
 
-// Calls write for each waveform on offer, telling whether it is the last.
+// Calls write for each selected waveform with whether it is the last.
 template <class Write>
 void forEachSelected(const IBISModel& model, Write write) {
   const WaveformSelection selection = selectWaveforms(model);
@@ -79,7 +79,7 @@ void writeFixtureVoltages(const ForEachModel& loop, OutputStream& out, std::int3
   });
 }
 
-// Both are the latest of any table, so "start" is where the last one begins.
+// Start and end are the latest of any waveform, so "start" is where the last one begins.
 void writeWaveformTimes(const ForEachModel& loop, OutputStream& out, std::int32_t) {
   double start = 0.0;
   double end = 0.0;

@@ -25,7 +25,7 @@ OutputRun::OutputRun(const IBISFileData& file, const IBISComponent* component,
       errors_(errors),
       sink_(sink) {}
 
-// Only an expansion that failed leaves work; there may be no memory left to report it.
+// Only a failed expansion leaves an open file; there may be no memory left to report it.
 OutputRun::~OutputRun() {
   try {
     finish();
@@ -35,7 +35,7 @@ OutputRun::~OutputRun() {
 }
 
 void OutputRun::openOutputFile(const std::string& name) {
-  // Opening a file anew may empty it, which must not leave the end of the old text to be written.
+  // Opening the same file again may empty it, so the rest of the old text is written first.
   if (out_) out_->flush();
   std::unique_ptr<OutputStream> opened =
       isSource(file_, name) ? nullptr : OutputStream::open(sink_, name);

@@ -13,7 +13,7 @@ namespace ibis {
 /// Whether a name leads to the file that was read, which is never an output.
 bool isSource(const IBISFileData& file, const std::string& name);
 
-/// What one output run reads from and writes to; it lasts over several templates.
+/// What one output run reads from and writes to, over all its templates.
 class OutputRun {
  public:
   /// Messages go to the handler, texts to the sink; the component may be null.
@@ -25,18 +25,18 @@ class OutputRun {
   OutputRun(const OutputRun&) = delete;
   OutputRun& operator=(const OutputRun&) = delete;
 
-  /// Makes a file the current output; on failure the one that was open stays.
+  /// Makes a file the current output; on failure the open one stays.
   ///
-  /// The IBIS file itself is never opened, by whatever name.
+  /// The IBIS file itself is never opened, whatever name leads to it.
   void openOutputFile(const std::string& name);
 
   /// Closes the current output file, if any, and reports one that could not be written.
   void closeOutputFile();
 
-  /// Gives the current output file up, if any, and reports it as not written.
+  /// Gives up the current output file, if any, and reports it as not written.
   void abandonOutputFile();
 
-  /// Closes the current output file and puts each file that is whole in its place.
+  /// Closes the current output file and moves each whole file to its name.
   void finish();
 
   /// Reports a fault of the template itself; expansion goes on.
@@ -45,7 +45,7 @@ class OutputRun {
   /// Names of the files opened, each once, in the order of first opening.
   const std::vector<std::string>& generatedFiles() const { return generatedFiles_; }
 
-  /// Names of the files written so far in which a number is not finite.
+  /// Names of the files written so far that hold a number that is not finite.
   const std::vector<std::string>& nonFiniteFiles() const { return nonFiniteFiles_; }
 
   const IBISFileData& file() const { return file_; }
@@ -66,7 +66,7 @@ class OutputRun {
   Sink& sink_;
   std::unique_ptr<OutputStream> out_;
   std::vector<std::string> generatedFiles_;
-  std::vector<std::string> wholeFiles_;  // closed, and not yet in their place
+  std::vector<std::string> wholeFiles_;  // closed, and not yet moved to their names
   std::vector<std::string> nonFiniteFiles_;
 };
 

@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::string_view fileKeyword = "%file% ";
 
-// The words behind a template's "file" keywords.
+// The words after a template's "file" keywords.
 std::vector<std::string> fileWords(std::string_view templateName) {
   std::vector<std::string> words;
   TextBuffer buffer;
@@ -29,7 +29,7 @@ std::vector<std::string> namesInTemplates(const Output& output, const OutputPlac
   return names;
 }
 
-// One engine runs them all: what the first opened or set is seen by the second.
+// One engine runs them all, so each template sees what the ones before it opened or set.
 void expandTemplates(const Output& output, TemplateEngine& engine) {
   for (const std::string_view name : output.templates) {
     TextBuffer text;
@@ -39,7 +39,7 @@ void expandTemplates(const Output& output, TemplateEngine& engine) {
 
 constexpr std::string_view scriptTemplates[] = {"script.tmpl"};
 constexpr std::string_view modelTemplates[] = {"component.tmpl", "info.tmpl"};
-// No such template exists: the mode passes every check and writes nothing.
+// There is no such template: the mode passes every check and writes nothing.
 constexpr std::string_view symbolTemplates[] = {"symbol.tmpl"};
 constexpr std::string_view packageTemplates[] = {"package.tmpl"};
 

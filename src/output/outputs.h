@@ -11,17 +11,17 @@
 
 namespace ibis {
 
-/// What a load writes.
+/// Selects what a load writes.
 enum class OutputMode : std::uint8_t { script, model, symbol, package, unknown };
 
 /// One output of a load.
 struct Output {
   OutputMode mode;
-  std::string_view word;                        ///< What a request calls it by, in any case.
+  std::string_view word;                        ///< Its name in a request, in any case.
   std::string_view summary;                     ///< What it writes, for help texts.
   std::span<const std::string_view> templates;  ///< In the order of their expansion.
 
-  /// The files that it writes, in the order of writing.
+  /// Returns the names of its files in the order of writing.
   std::vector<std::string> (*names)(const Output& output, const OutputPlace& place);
 
   /// Writes them all.
@@ -37,7 +37,7 @@ OutputMode outputMode(std::string_view text);
 /// The row of a mode, or null for `unknown`.
 const Output* findOutput(OutputMode mode);
 
-/// Whether the names of an output's files hold the subcircuit's.
+/// Whether the names of an output's files contain the subcircuit's name.
 bool isNamedBySubcircuit(const Output& output);
 
 }  // namespace ibis

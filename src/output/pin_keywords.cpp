@@ -132,7 +132,7 @@ bool ForEachOfEntries::exist(const IBISComponent& owner, std::optional<ModelType
   return find(owner, type, 0) < owner.pinEntries.size();
 }
 
-// The first entry of the type from a index on, or behind the last.
+// The index of the first entry of the type from an index on, or the number of entries.
 std::size_t ForEachOfEntries::find(const IBISComponent& owner, std::optional<ModelType> type,
                                    std::size_t index) {
   const std::vector<IBISPinEntry>& entries = owner.pinEntries;
@@ -140,7 +140,7 @@ std::size_t ForEachOfEntries::find(const IBISComponent& owner, std::optional<Mod
   return index;
 }
 
-// A half pair may count as single, whatever else the entry says.
+// Half a pair may count as a single pin, whatever its entry says.
 bool ForEachOfEntries::showFrom(std::size_t index) {
   index = find(component, type_, index);
   if (index >= component.pinEntries.size()) return false;

@@ -14,7 +14,7 @@ std::int32_t behindTab(std::int32_t column) {
   return (column - 1) / tabWidth * tabWidth + tabWidth + 1;
 }
 
-// What lasts for the expansion of one text.
+// The state of the expansion of one text.
 class Expansion {
  public:
   Expansion(OutputRun& run, TextBuffer& text)
@@ -102,11 +102,11 @@ class Expansion {
     pendingSpaces_ = 0;
   }
 
-  // A file-level value hides a loop object's of the same name; loops do not nest.
+  // A value outside loops hides a loop object's of the same name; loops do not nest.
   void takeKeyword(TemplateKeyword& keyword) {
     if (keyword.value != nullptr) return takeFileValue(keyword);
     if (inLoop_ && skipLoop_) {
-      if (keyword.endsLoop) takeLoopEnd();  // nothing else counts in the body of an empty loop
+      if (keyword.endsLoop) takeLoopEnd();  // all else in an empty loop is skipped
       return;
     }
     if (inLoop_ && takeLoopWord(keyword)) return;
@@ -168,11 +168,11 @@ class Expansion {
   static void learn(TemplateKeyword& keyword, const ForEachObject& object) {
     const LoopWord value = object.word(keyword.text);
     keyword.loopWord = value.write != nullptr ? value : object.word(keyword.name());
-    if (value.write == nullptr) keyword.loopWord.write = nullptr;  // a name alone is no value
+    if (value.write == nullptr) keyword.loopWord.write = nullptr;  // a name alone is not a value
     keyword.loopKind = object.kind();
   }
 
-  // With no file to write to, a known value says so and eats the line end.
+  // Without an open file a known value writes nothing and drops the line end.
   void takeLoopValue(const TemplateKeyword& keyword, const ForEachObject& object) {
     newlineEaten_ = run_.out() == nullptr;
     if (newlineEaten_) return;
@@ -186,7 +186,7 @@ class Expansion {
     newlineEaten_ = true;
   }
 
-  // The list is built whether or not anything is written.
+  // Builds the list even if nothing is written.
   void takeLoopStart(const TemplateKeyword& keyword) {
     loopStart_ = {.piece = next_, .line = line_, .column = column_};
     keyword.loop(run_, items_);
@@ -241,13 +241,13 @@ class Expansion {
   TextBuffer& text_;
   CompiledTemplate pieces_;
   TemplatePiece piece_;
-  std::size_t next_;  // the piece behind piece_
+  std::size_t next_;  // the piece after piece_
   bool ended_ = false;
   std::int32_t line_ = 1;
   std::int32_t column_ = 1;
   std::int32_t pendingSpaces_ = 0;
   bool newlineEaten_ = false;
-  bool active_ = true;               // the innermost condition holds
+  bool active_ = true;               // whether the innermost condition holds
   std::vector<bool> conditions_;     // active_ of the conditions around it
   std::size_t inactiveParents_ = 0;  // how many of those are false
   bool inLoop_ = false;

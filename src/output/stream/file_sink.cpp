@@ -13,8 +13,8 @@
 namespace ibis {
 namespace {
 
-// Opening a pipe would wait for its reader, and the host with it. One that has a reader keeps it
-// for as long as this lives.
+// Opening a pipe would wait for its reader, and the host would wait too. This fails for a pipe
+// without a reader, and keeps the reader of any other for as long as it lives.
 class PipeProbe {
  public:
   explicit PipeProbe(const std::string& name) {
@@ -61,7 +61,7 @@ class FileTarget final : public SinkTarget {
   bool failed_ = false;
 };
 
-// A file's place: its folder as the name has it, and what follows.
+// The name of a file in two parts: the folder as it stands in the name, and the rest.
 struct Place {
   explicit Place(const std::string& name) : begin(name.rfind('/') + 1), folder(name, 0, begin) {
     base = std::string_view(name).substr(begin);
@@ -74,7 +74,7 @@ struct Place {
   std::string_view base;
 };
 
-// Where others' files may not be replaced, only written.
+// Whether the file is another user's, in a folder where it may be written but not replaced.
 bool isProtected(const std::string& folder, const struct stat& file) {
   struct stat status {};
   if (geteuid() == 0 || file.st_uid == geteuid()) return false;
@@ -86,7 +86,7 @@ bool isRefusalOfFolder(int fault) {
   return fault == EACCES || fault == EPERM || fault == EROFS || fault == ENAMETOOLONG;
 }
 
-// The owner goes as far as the process may give it, and is no reason to fail.
+// Takes over owner and mode as far as the process may; a refusal is not a failure.
 void takeOver(std::FILE* file, const struct stat& old) {
   const int number = fileno(file);
   struct stat now {};

@@ -8,11 +8,11 @@
 
 namespace ibis {
 
-/// Writes files: beside the place that they take, which they do when they are whole.
+/// Writes each file under a temporary name in the same folder, and renames it when it is whole.
 ///
 /// A name that leads to anything but a regular file (a link, a pipe, a device), or into a folder
 /// that takes no further file, is written in place. A file that is replaced keeps its mode, and its
-/// owner as far as the process may give it. A pipe that nobody reads cannot be opened.
+/// owner as far as the process may set it. A pipe that nobody reads cannot be opened.
 class FileSink : public Sink {
  public:
   /// Opens files by this function.
@@ -25,10 +25,10 @@ class FileSink : public Sink {
   bool keep(const std::string& name) override;
 
  protected:
-  /// Removes what is beside its place; a derived class that is told of it calls this as it dies.
+  /// Removes all temporary files; a class that overrides announce() calls this in its destructor.
   void discardAll();
 
-  /// Called before a file beside its place is made, and after it is gone or in its place.
+  /// Called before a temporary file is made, and after it is removed or renamed.
   virtual void announce(const std::string& /*temporary*/) {}
   virtual void forget(const std::string& /*temporary*/) {}
 
@@ -37,9 +37,9 @@ class FileSink : public Sink {
   void discard(const std::string& temporary);
 
   OpenFunction open_;
-  std::uint64_t key_;                        // of this sink's names beside their place
-  std::uint64_t count_ = 0;                  // of those made
-  std::map<std::string, std::string> made_;  // name to what is beside it
+  std::uint64_t key_;                        // makes this sink's temporary names unique
+  std::uint64_t count_ = 0;                  // of temporary names made
+  std::map<std::string, std::string> made_;  // name to temporary name
 };
 
 }  // namespace ibis

@@ -8,19 +8,19 @@
 
 namespace ibis {
 
-/// Keeps outputs in memory, for users of the library, tests and fuzzers; fails where it is told to.
+/// Keeps outputs in memory, for users of the library, tests and fuzzers; it can be made to fail.
 class MemorySink final : public Sink {
  public:
   std::unique_ptr<SinkTarget> open(const std::string& name) override;
   bool keep(const std::string& name) override;
 
-  /// What stands under each name.
+  /// The text under each name.
   const std::map<std::string, std::string>& files() const { return files_; }
 
-  /// Names that cannot be opened, beside the empty one.
+  /// Names that cannot be opened; the empty one never can.
   std::set<std::string> refused;
 
-  /// Characters that one output takes; what is more fails.
+  /// Max characters of one output; more of them fail.
   std::size_t room = std::numeric_limits<std::size_t>::max();
 
   bool closingFails = false;

@@ -36,7 +36,7 @@ constexpr auto tenTo = [] {
   return powers;
 }();
 
-// A decimal number of so many digits: number x 10^(exponent - digits + 1).
+// A decimal number of a given number of digits: number x 10^(exponent - digits + 1).
 struct Decimal {
   std::uint64_t number;
   int exponent;
@@ -62,7 +62,7 @@ int estimateExponent(const Binary& binary) {
   return (bits * 1233) >> 12;  // 1233 / 4096 is just below log10(2)
 }
 
-// Rounds exactly, half to even; false where 128 bits do not hold the product.
+// Rounds exactly, half to even; false if 128 bits do not hold the product.
 bool toDecimal(const Binary& binary, int digits, Decimal& decimal) {
   const auto last = static_cast<std::size_t>(digits);
   for (int exponent = estimateExponent(binary);; ++exponent) {
@@ -93,7 +93,7 @@ constexpr auto digitPairs = [] {
   return pairs;
 }();
 
-// Writes exactly so many digits.
+// Writes exactly `count` digits.
 void writeDigits(char* out, std::uint64_t number, int count) {
   for (; count >= 2; count -= 2) {
     std::memcpy(out + count - 2, &digitPairs[2 * (number % 100)], 2);
@@ -141,7 +141,7 @@ char* writeDecimal(char* out, const Decimal& decimal, int count) {
 
 }  // namespace
 
-// Numbers of everyday size are worked out in exact integers; the library does the others.
+// Numbers of everyday size are computed in exact integers; the C++ library prints the others.
 char* writeNumberText(char* begin, double value, int digits) {
   constexpr std::string_view notANumber = "nan";
   if (std::isnan(value)) return std::ranges::copy(notANumber, begin).out;

@@ -8,7 +8,7 @@
 #include "output/stream/number_text.h"
 
 namespace ibis {
-// All memory is there before the sink is asked.
+// Allocates all memory before the sink begins the output.
 std::unique_ptr<OutputStream> OutputStream::open(Sink& sink, const std::string& name) {
   std::unique_ptr<OutputStream> stream(new OutputStream(name));
   stream->target_ = sink.open(name);

@@ -9,10 +9,10 @@
 
 namespace ibis {
 
-/// One open output; writing never fails visibly until close() tells.
+/// One open output; only close() reports a failed write.
 class OutputStream {
  public:
-  /// Begins the output of a name in a sink, which lives longer; null if the sink does not take it.
+  /// Begins the output of a name in a sink, which must live longer; null if the sink refuses.
   static std::unique_ptr<OutputStream> open(Sink& sink, const std::string& name);
 
   OutputStream(const OutputStream&) = delete;
@@ -23,7 +23,7 @@ class OutputStream {
   void writeBlanks(std::int32_t count);
   void writeInteger(std::int64_t value);
 
-  /// As printf's %.{precision}g in the "C" locale; a not-a-number has no sign.
+  /// Writes as printf's %.{precision}g does in the "C" locale; a not-a-number has no sign.
   void writeNumber(double value, int precision);
 
   /// Hands what was written to the sink.

@@ -6,7 +6,7 @@
 
 namespace ibis {
 
-/// Where the text of one output goes while it is written.
+/// Takes the text of one output while it is written.
 class SinkTarget {
  public:
   virtual ~SinkTarget() = default;
@@ -18,18 +18,18 @@ class SinkTarget {
   virtual bool close() = 0;
 };
 
-/// Where outputs go: files, or memory.
+/// Takes outputs, as files or in memory.
 ///
-/// What was written takes the place of what stood under the name when keep() is called, and not
-/// before; a sink that dies without it leaves everything as it was.
+/// keep(), and nothing before it, replaces what stood under a name. A sink that dies without it
+/// leaves everything as it was.
 class Sink {
  public:
   virtual ~Sink() = default;
 
-  /// Begins the output of a name, in the place of one begun before; null if that cannot be.
+  /// Begins the output of a name, instead of one begun before; null on failure.
   virtual std::unique_ptr<SinkTarget> open(const std::string& name) = 0;
 
-  /// Puts the last closed output of a name in its place; false if that cannot be.
+  /// Makes the last closed output of a name what stands under it; false on failure.
   virtual bool keep(const std::string& name) = 0;
 };
 
