@@ -45,7 +45,7 @@ CallResult callPlugin(const std::string& path, const CallArguments& arguments) {
   try {
     return callAsHost(plugin.function("IBIS_Load"), arguments);
   } catch (const KelvrantException& fault) {
-    // What the plug-in throws does not outlive it.
+    // The plug-in's exception must not outlive the plug-in.
     throw std::runtime_error(fault.message);
   }
 }

@@ -14,7 +14,7 @@ constexpr std::size_t maxArguments = 4;
   throw MalformedRequest("malformed request: " + reason);
 }
 
-// The library puts its own name and a number in brackets in front of the reason.
+// The JSON library puts its own name and a number in brackets before the reason.
 std::string withoutTag(std::string_view reason) {
   const std::size_t tag = reason.find("] ");
   return std::string(tag == reason.npos ? reason : reason.substr(tag + 2));

@@ -21,7 +21,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The load takes backslashes for escapes.
+// The load reads backslashes as escapes.
 std::string withEscapes(std::string_view text) {
   std::string escaped;
   for (const char c : text) escaped.append(c == '\\' ? 2 : 1, c);
@@ -40,11 +40,11 @@ LoadRequest toLoadRequest(const ConversionRequest& request) {
   return load;
 }
 
-// A load passes over a file that it cannot read; a person wants to know why.
+// A load does not say why it cannot read a file; a person wants to know.
 Diagnostic reasonUnread(const std::string& source) {
   std::error_code fault;
   const fs::file_status status = fs::status(source, fault);
-  // Asked first, since opening a pipe would wait for its writer.
+  // This comes first, since opening a pipe would wait for its writer.
   if (fs::exists(status) && !fs::is_regular_file(status)) {
     return tell(Severity::error, message::notRegular);
   }
@@ -72,12 +72,12 @@ std::optional<Diagnostic> makeFolder(const std::string& folder) {
   return tell(Severity::error, message::cannotMakeFolder, folder.c_str(), fault.message().c_str());
 }
 
-// The templates' file names take what stands between percent signs for a keyword.
+// The templates' file names read a text between percent signs as a keyword.
 bool isFileName(std::string_view subcircuit) {
   return !subcircuit.empty() && subcircuit.find('%') == subcircuit.npos;
 }
 
-// What keeps a file without errors from being written, if anything does.
+// Returns what keeps a file without errors from being written, if anything does.
 std::optional<Diagnostic> findObstacle(const Load& load, const ConversionRequest& request) {
   const IBISFileData& file = load.file().data();
   const IBISComponent* component = load.chosenComponent();
@@ -110,7 +110,7 @@ std::optional<Diagnostic> write(Load& load, const ConversionRequest& request, Co
   return std::nullopt;
 }
 
-// What the library holds of the models, model by model.
+// Warns, model by model, of values that are not finite and of waveforms without points.
 void warnOfModels(const Load& load, Conversion& result) {
   if (load.mode() != OutputMode::model || result.files.empty()) return;
   const std::string& library = result.files.front();

@@ -7,25 +7,25 @@
 
 namespace ibis::cli {
 
-/// What a person asks of one conversion.
+/// What a user asks of one conversion.
 struct ConversionRequest {
   std::string source;
   std::string mode;
   std::string component;   ///< Empty for the file's first.
-  std::string folder;      ///< Made if absent.
+  std::string folder;      ///< Folder of the output; made if absent.
   std::string subcircuit;  ///< Empty for the component's SPICE name.
   std::vector<std::string> pins;
   std::vector<std::string> selections;  ///< Plain texts, without escapes.
 };
 
-/// What one conversion wrote and what it has to say.
+/// The files and messages of one conversion.
 struct Conversion {
   std::vector<std::string> files;
   std::vector<Diagnostic> warnings;
   std::vector<Diagnostic> errors;
 };
 
-/// A conversion that came to nothing.
+/// A conversion that wrote nothing.
 Conversion failure(Diagnostic reason);
 
 /// Reads the file and writes what the mode asks for, unless an error stands.

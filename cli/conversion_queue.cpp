@@ -31,7 +31,7 @@ const Source& ConversionQueue::current() const {
   return sources_[begun == 0 ? 0 : begun - 1];
 }
 
-// A machine that has no more threads left still has those that were started.
+// If the machine has no more threads left, those that were started do the work.
 void ConversionQueue::startThreads(std::size_t count) {
   try {
     while (threads_.size() < count) threads_.emplace_back([this] { work(); });
@@ -56,7 +56,7 @@ void ConversionQueue::work() {
   }
 }
 
-// Whatever happens to one file must not keep the others from being converted.
+// A fault of one file must not keep the others from being converted.
 Conversion ConversionQueue::convertSource(const Source& source) const {
   if (source.fault) return failure(*source.fault);
   ConversionRequest request = pattern_;

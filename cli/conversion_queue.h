@@ -15,25 +15,25 @@
 
 namespace ibis::cli {
 
-/// Converts sources in threads and hands the results out in the sources' order.
+/// Converts sources in threads and returns the results in the sources' order.
 class ConversionQueue {
  public:
   /// Starts the work; the sources must outlive it.
   ConversionQueue(const std::vector<Source>& sources, const ConversionRequest& pattern,
                   std::size_t threads);
 
-  /// Waits for the conversions under way; no further one begins.
+  /// Waits for the running conversions; no further one begins.
   ~ConversionQueue();
   ConversionQueue(const ConversionQueue&) = delete;
   ConversionQueue& operator=(const ConversionQueue&) = delete;
 
-  /// The next result, or none if it is not there after that time.
+  /// Waits at most this long for the next result; returns none if it is not there by then.
   std::optional<Conversion> take(std::chrono::milliseconds patience);
 
   /// How many sources are done, those not yet taken included.
   std::size_t doneCount() const { return done_; }
 
-  /// The source that was begun last; the first before any was.
+  /// The source that was begun last; the first source if none was begun yet.
   const Source& current() const;
 
  private:

@@ -46,7 +46,7 @@ Examples:
   ibis-load convert vendor -j 4 --json -o libraries > report.json
       reports as one JSON array: each object begins with its file)";
 
-// Each mode with what it writes, in lines of 80 columns at most.
+// Each mode with what it writes, in lines of at most 80 columns.
 std::string modesText() {
   constexpr std::size_t nameColumns = 8;
   constexpr std::size_t lineColumns = 80;
@@ -139,13 +139,13 @@ void addReportOptions(CLI::App& command, ConvertOptions& options) {
                    "Exit status 1 for warnings; the files are written nevertheless");
 }
 
-// Completion in a shell leaves a slash at the end, which would show twice in the files' names.
+// Completion in a shell leaves a slash at the end, which would be doubled in the files' names.
 std::string withoutSlashAtEnd(std::string folder) {
   while (folder.size() > 1 && folder.ends_with('/')) folder.pop_back();
   return folder;
 }
 
-// One name for the subcircuits of all files would be right for none but one.
+// One subcircuit name cannot be right for many files.
 void checkAgainstEachOther(const ConvertOptions& options) {
   if (options.request.subcircuit.empty() || !areManyFiles(options.sources)) return;
   throw CLI::ValidationError("--subcircuit", "Only one FILE can be given a subcircuit's name");

@@ -8,10 +8,10 @@ class App;
 
 namespace ibis::cli {
 
-/// Adds `convert` to the program; the record is filled when the command line is parsed.
+/// Adds `convert` to the program; parsing the command line fills the options.
 CLI::App* addConvertCommand(CLI::App& program, ConvertOptions& options);
 
-/// Converts what the options name, tells what came of it and gives the exit status.
+/// Converts what the options name, reports the results and returns the exit status.
 int runConvert(ConvertOptions options);
 
 }  // namespace ibis::cli

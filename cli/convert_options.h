@@ -7,7 +7,7 @@
 
 namespace ibis::cli {
 
-/// What the command line of `convert` gives.
+/// The options of `convert`.
 struct ConvertOptions {
   ConversionRequest request{.source = {},
                             .mode = "model",

@@ -2,7 +2,7 @@
 
 namespace ibis::cli {
 
-/// What the program tells its caller when it ends.
+/// The statuses with which the program ends.
 namespace exitStatus {
 inline constexpr int done = 0;
 inline constexpr int failed = 1;

@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-// The host's own records, of which a script function sees no more than a reference.
+// The host's own records; a script function gets only references to them.
 struct ScpParseContext {};
 struct FunctionRunTime {};
 

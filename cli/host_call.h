@@ -9,10 +9,10 @@
 
 namespace ibis::cli {
 
-/// Strings of a result array; a slot that was not filled has none.
+/// The slots of a result array; one that was not filled has no string.
 using CallResult = std::vector<std::optional<std::string>>;
 
-/// Calls a script function as the simulator does and gives a copy of its result.
+/// Calls a script function as the simulator does and returns a copy of its result.
 CallResult callAsHost(ScriptFunction function, const CallArguments& arguments);
 
 }  // namespace ibis::cli

@@ -22,7 +22,7 @@ Register& unfinished() {
   return all;
 }
 
-// One who starts the program may have it pass over a signal, as nohup does.
+// Leaves out a signal that the program's caller had ignored, as nohup does.
 sigset_t endingSignals() {
   sigset_t signals;
   sigemptyset(&signals);
@@ -34,7 +34,7 @@ sigset_t endingSignals() {
   return signals;
 }
 
-// Holds the lock to the end, so that no further file is begun.
+// Holds the lock until the program ends, so that no further file is begun.
 [[noreturn]] void end(int signal, const sigset_t& signals) {
   const std::lock_guard lock(unfinished().mutex);
   for (const std::string& name : unfinished().files) std::remove(name.c_str());
@@ -52,7 +52,7 @@ void waitForEnd(sigset_t signals) {
 
 }  // namespace
 
-// Where there is no room for one more thread, a signal ends the program at once.
+// If no further thread can be started, a signal ends the program at once.
 void watchForInterruption() {
   const sigset_t signals = endingSignals();
   pthread_sigmask(SIG_BLOCK, &signals, nullptr);

@@ -4,12 +4,12 @@
 
 namespace ibis::cli {
 
-/// Lets the signals that end the program first remove the files that are not whole.
+/// Makes the signals that end the program first remove the files that are not whole.
 ///
-/// Called once, before the first thread, since every thread inherits which signals it leaves.
+/// Called once, before the first thread starts, since every thread inherits the blocked signals.
 void watchForInterruption();
 
-/// Writes files of which an end of the program by a signal leaves no unfinished one. Any thread.
+/// Writes files; a signal that ends the program leaves no unfinished one. Any thread.
 class WatchedSink final : public FileSink {
  public:
   using FileSink::FileSink;

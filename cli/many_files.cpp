@@ -16,7 +16,7 @@ std::size_t threadCount(unsigned jobs) {
   return jobs == 0 ? std::max(1U, std::thread::hardware_concurrency()) : jobs;
 }
 
-// Tells of each conversion as soon as those ahead of it are told.
+// Reports each conversion as soon as those before it are reported.
 class RunningReport {
  public:
   explicit RunningReport(const ConvertOptions& options) : options_(options) {}

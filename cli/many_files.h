@@ -4,7 +4,7 @@
 
 namespace ibis::cli {
 
-/// Converts all files that the arguments give, tells what came of them and gives the exit status.
+/// Converts all files that the arguments name, reports the results and returns the exit status.
 int convertManyFiles(const ConvertOptions& options);
 
 }  // namespace ibis::cli

@@ -8,7 +8,7 @@
 
 namespace ibis::cli {
 
-/// The texts of the program's own messages, each a printf format under the name of its row.
+/// The texts of the program's own messages, each a printf format with the name of its row.
 namespace message {
 #define IBIS_MESSAGE(identifier, place, text) \
   inline constexpr char identifier[] = IBIS_LEAD_##place text;
@@ -19,7 +19,7 @@ namespace message {
 /// The table of the program's own messages.
 std::span<const MessageRow> messageTable();
 
-/// A message of the program's own table from its arguments.
+/// Makes a diagnostic from a row of the program's own table and its arguments.
 Diagnostic tell(Severity severity, const char* format, ...) IBIS_PRINTF_FORMAT(2, 3);
 
 }  // namespace ibis::cli

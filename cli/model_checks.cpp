@@ -23,7 +23,7 @@ class NoSink final : public Sink {
   bool keep(const std::string&) override { return true; }
 };
 
-// Writes what the library's template writes of a model's tables and waveforms.
+// Writes a model's tables and waveforms as the library's template does.
 void writeData(const IBISModel& model, OutputStream& out) {
   TextBuffer text;
   const ForEachModel loop(model);

@@ -4,7 +4,7 @@
 
 namespace ibis::cli {
 
-/// Whether each table and waveform value that a library holds of the model is a finite number.
+/// Whether each value of the model's tables and waveforms in a library is a finite number.
 bool hasFiniteData(const IBISModel& model);
 
 /// Whether an estimated waveform of the model is empty because it would have too many points.

@@ -6,7 +6,7 @@
 
 namespace ibis::cli {
 
-// A name without a slash would send the loader through its own folders.
+// The loader would search its own folders for a name without a slash.
 Plugin::Plugin(const std::string& path)
     : path_(path.find('/') == path.npos ? "./" + path : path),
       handle_(dlopen(path_.c_str(), RTLD_NOW | RTLD_LOCAL)) {

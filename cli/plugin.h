@@ -13,7 +13,7 @@ class PluginFault : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// A plug-in for as long as it lives; raises PluginFault if it cannot be loaded.
+/// Keeps a plug-in loaded while it lives; raises PluginFault if the plug-in cannot be loaded.
 class Plugin {
  public:
   explicit Plugin(const std::string& path);
@@ -21,7 +21,7 @@ class Plugin {
   Plugin(const Plugin&) = delete;
   Plugin& operator=(const Plugin&) = delete;
 
-  /// What it registered under that name; raises PluginFault for nothing.
+  /// The function that it registered under a name; raises PluginFault if there is none.
   ScriptFunction function(const char* name) const;
 
  private:
@@ -29,8 +29,8 @@ class Plugin {
   void* handle_;
 };
 
-/// The plug-in that was built or installed with this program; raises PluginFault where the link
-/// that tells the program's place cannot be read.
+/// The path of the plug-in that was built or installed with this program; raises PluginFault if the
+/// link to the program cannot be read.
 std::string ownPluginPath(const std::string& programLink = "/proc/self/exe");
 
 }  // namespace ibis::cli

@@ -14,14 +14,14 @@ namespace {
 
 constexpr std::size_t usualColumns = 80;
 
-// A line that reaches the last column may wrap, and then can't be written over.
+// A line that reaches the last column may wrap, and then cannot be overwritten.
 std::size_t freeColumns() {
   winsize size{};
   const bool isKnown = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 1;
   return (isKnown ? size.ws_col : usualColumns) - 1;
 }
 
-// A file's name may hold what moves the cursor.
+// A file's name may contain characters that move the cursor.
 std::string printable(std::string text) {
   for (char& c : text) {
     if ((c >= '\0' && c < ' ') || c == '\x7f') c = '?';

@@ -5,12 +5,12 @@
 
 namespace ibis::cli {
 
-/// A line on the terminal behind standard error, written over in place.
+/// A line on the terminal of standard error, overwritten in place.
 class Progress {
  public:
   static constexpr std::chrono::milliseconds interval{100};
 
-  /// Shows nothing where it is not wanted or standard error is no terminal.
+  /// Shows nothing if it is not wanted or standard error is not a terminal.
   Progress(std::size_t total, bool isWanted);
 
   /// Wipes the line.
@@ -18,7 +18,7 @@ class Progress {
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
-  /// Shows how far the work is, once in an interval at most.
+  /// Shows how far the work is, at most once in an interval.
   void show(std::size_t done, const std::string& current);
 
   /// Makes room for other text.

@@ -8,25 +8,25 @@
 
 namespace ibis::cli {
 
-/// What one conversion alone ends the program with.
+/// The exit status of the program for one conversion alone.
 int exitStatusOf(const Conversion& conversion, bool warningsFail);
 
-/// Each message on a line of its own that editors can jump on; in one piece, since standard error
-/// writes each piece by itself.
+/// The messages, one a line in a form that editors can follow to the source; in one piece, since
+/// standard error writes each piece by itself.
 std::string messageText(const std::string& source, const Conversion& conversion);
 
 /// Writes the names of the files and the counts of messages.
 void printSummary(std::ostream& out, const Conversion& conversion);
 
-/// Writes all of it and the exit status as one JSON object on one line.
+/// Writes the conversion and its exit status as one JSON object on one line.
 void printJson(std::ostream& out, const Conversion& conversion, int status);
 
-/// A JSON array of such objects, each with its file and on a line of its own.
+/// Writes a JSON array of such objects, each with its file and on a line of its own.
 class JsonArray {
  public:
   void add(std::ostream& out, const std::string& file, const Conversion& conversion, int status);
 
-  /// Closes the array, to which something was added.
+  /// Closes the array, which must not be empty.
   void finish(std::ostream& out) const { out << "]\n"; }
 
  private:

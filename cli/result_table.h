@@ -8,7 +8,7 @@
 
 namespace ibis::cli {
 
-/// What became of each source, for the end of a long run.
+/// The result of each source, for the end of a long run.
 class ResultTable {
  public:
   /// The source must outlive the table.

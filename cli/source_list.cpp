@@ -28,14 +28,14 @@ bool isIbisName(std::string_view name) {
          equalIgnoringCase(name.substr(name.size() - ibisEnding.size()), ibisEnding);
 }
 
-// What is left of "..ibs" and "...ibs" would lead out of the output folder.
+// Without their ending, "..ibs" and "...ibs" would lead out of the output folder.
 std::string withoutEnding(const std::string& name) {
   if (!isIbisName(name)) return name;
   const std::string stem = name.substr(0, name.size() - ibisEnding.size());
   return stem.empty() || stem == "." || stem == ".." ? name : stem;
 }
 
-// Gives each folder name once, so that no two sources write into one folder.
+// Returns each folder name once, so that no two sources write into one folder.
 class FolderNames {
  public:
   std::string take(const std::string& wanted) {
@@ -75,7 +75,7 @@ class SourceCollector {
     sources_.push_back({.name = name.string(), .folder = {}, .fault = std::move(fault)});
   }
 
-  // Each file and folder of a folder by name, whatever order the file system has.
+  // Takes the files and folders of a folder by name, whatever order the file system has.
   void search(const fs::path& name, const fs::path& below) {
     if (!enter(name)) return;
     std::error_code fault;
@@ -104,7 +104,7 @@ class SourceCollector {
     }
   }
 
-  // A folder inside itself would be searched for ever.
+  // A folder that leads to itself would be searched for ever.
   bool enter(const fs::path& name) {
     struct stat status {};
     if (::stat(name.c_str(), &status) != 0) {
