@@ -29,7 +29,7 @@ inline constexpr std::int32_t lastReserved = 35;
 inline constexpr std::int32_t none = 45;
 }  // namespace subparameter
 
-/// A version of the standard; `supported` tells whether its files are read.
+/// A version of the standard; `supported` is whether its files are read.
 struct VersionRow {
   std::int32_t id;
   const char* text;

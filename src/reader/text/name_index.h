@@ -47,7 +47,7 @@ class NameIndex {
     }
   }
 
-  /// Makes room for so many names.
+  /// Makes room for this many names.
   void reserve(std::size_t count) {
     names_.reserve(count);
     while (!hasRoomFor(count)) grow();
@@ -125,7 +125,7 @@ class NameMap {
     return values_[index];
   }
 
-  /// Makes room for so many names.
+  /// Makes room for this many names.
   void reserve(std::size_t count) {
     names_.reserve(count);
     values_.reserve(count);
