@@ -5,10 +5,12 @@
 #include <string>
 #include <string_view>
 
+#include "ibis/api.h"
+
 namespace ibis {
 
 /// Returns "NC", "NA", "GND" or "POWER" for these words in any case, and any other text as it is.
-std::string_view foldReservedName(std::string_view text);
+IBIS_API std::string_view foldReservedName(std::string_view text);
 
 /// A view of a text, with reserved words folded to upper case; it owns nothing.
 ///
@@ -40,14 +42,14 @@ class IBISString {
 class StringPool {
  public:
   /// A copy of the text that lives as long as the pool.
-  std::string_view store(std::string_view text);
+  IBIS_API std::string_view store(std::string_view text);
 
  private:
   std::unique_ptr<std::pmr::monotonic_buffer_resource> memory_;
 };
 
 /// Whether two texts are equal, apart from the case of ASCII letters.
-bool equalIgnoringCase(std::string_view a, std::string_view b);
+IBIS_API bool equalIgnoringCase(std::string_view a, std::string_view b);
 
 /// An ASCII letter in upper case; any other character as it is.
 constexpr char upperCase(char c) {
