@@ -28,7 +28,7 @@ printed; 2 a malformed request, a plug-in that cannot be loaded, or wrong use.
 Examples:
   echo '[["buffer.ibs"],["model","","out","buffer"]]' | ibis-load call
   echo '[["hub.ibs"],["package","HUB","out","hub"],["A1","A2"]]' | ibis-load call
-  ibis-load call --plugin lib/ibis_load.so < request.json)";
+  ibis-load call --plugin lib/ibis-load/ibis_load.so < request.json)";
 
 std::string readAll(std::istream& in) {
   return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};

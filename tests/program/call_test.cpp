@@ -24,7 +24,7 @@ const std::string smallResult = R"(["2","","0","1","Cannot open IBIS file source
                                 "\n";
 
 std::string libraryFolder() {
-  return std::filesystem::path(IBIS_PROGRAM_PATH).parent_path().parent_path() / "lib";
+  return std::filesystem::path(IBIS_PROGRAM_PATH).parent_path().parent_path() / "lib/ibis-load";
 }
 
 TEST(Call, PrintsTheResultOnOneLine) {
