@@ -22,6 +22,7 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/ibis-load-config.cmake
 # Paths relative to the file itself let an installed tree be moved; absolute ones stay as they are.
 file(RELATIVE_PATH prefixFromPkgConfig ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig
      ${CMAKE_INSTALL_PREFIX})
+string(REGEX REPLACE "/$" "" prefixFromPkgConfig ${prefixFromPkgConfig})
 cmake_path(SET libraryFolderFromPrefix \${prefix})
 cmake_path(APPEND libraryFolderFromPrefix ${CMAKE_INSTALL_LIBDIR})
 cmake_path(SET headerFolderFromPrefix \${prefix})
