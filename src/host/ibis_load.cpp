@@ -75,10 +75,11 @@ class HeapStrings {
 };
 
 // Fills the slots: status, root directory, number of warnings, number of errors, warnings, errors.
-void fillResult(const IBISFileData& file, const YString& rootDirectory, FuncResultMinimal& result) {
+void fillResult(const IBISFileData& file, const std::string& rootDirectory,
+                FuncResultMinimal& result) {
   HeapStrings strings(file.warnings.size() + file.errors.size() + fixedSlots);
   strings.add(duplicateText(statusText(file)));
-  strings.add(rootDirectory.copy());
+  strings.add(YString(rootDirectory.c_str()).copy());
   strings.add(YString(static_cast<std::int32_t>(file.warnings.size())).detach());
   strings.add(YString(static_cast<std::int32_t>(file.errors.size())).detach());
   for (const auto* list : {&file.warnings, &file.errors}) {
@@ -88,10 +89,10 @@ void fillResult(const IBISFileData& file, const YString& rootDirectory, FuncResu
 }
 
 // Reports one reason alone, when there is no memory for all messages.
-void fillFailure(const char* reason, const YString& rootDirectory, FuncResultMinimal& result) {
+void fillFailure(const char* reason, const std::string& rootDirectory, FuncResultMinimal& result) {
   HeapStrings strings(fixedSlots + 1);
   strings.add(duplicateText("2"));
-  strings.add(rootDirectory.copy());
+  strings.add(duplicateText(rootDirectory.c_str()));
   for (const char* text : {"0", "1"}) strings.add(duplicateText(text));
   const Diagnostic failure = makeDiagnostic(Severity::error, message::loadFailed, reason);
   strings.add(duplicateText(messageText(failure).c_str()));
@@ -113,7 +114,7 @@ void guard(Work work, Report report) {
 }
 
 // A failure of the program is one more error of the load, after those found before.
-void runLoad(LoadRequest request, const YString& rootDirectory, FuncResultMinimal& result) {
+void runLoad(LoadRequest request, const std::string& rootDirectory, FuncResultMinimal& result) {
   Load load(std::move(request));
   const auto addFailure = [&](const char* reason) {
     load.file().error(message::loadFailed, reason);
@@ -136,11 +137,11 @@ void loadOrReport(const FuncArgsMinimal& arguments, FuncResultMinimal& result) {
   const auto nothing = [](const char*) {};
   guard(
       [&] {
-        YString rootDirectory;
+        std::string rootDirectory;  // takes no memory, so that a failure can always be told
         guard(
             [&] {
               LoadRequest request = takeRequest(arguments);
-              rootDirectory = request.rootDirectory.c_str();
+              rootDirectory = request.rootDirectory;
               runLoad(std::move(request), rootDirectory, result);
             },
             [&](const char* reason) { fillFailure(reason, rootDirectory, result); });

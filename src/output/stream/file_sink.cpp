@@ -38,13 +38,19 @@ class PipeProbe {
 
 class FileTarget final : public SinkTarget {
  public:
-  // The stream of the output has a buffer; a second one would hold text back.
-  explicit FileTarget(std::FILE* file) : file_(file) { std::setvbuf(file, nullptr, _IONBF, 0); }
+  FileTarget() = default;
   ~FileTarget() override {
     if (file_ != nullptr) std::fclose(file_);
   }
   FileTarget(const FileTarget&) = delete;
   FileTarget& operator=(const FileTarget&) = delete;
+
+  // Takes over a file, once. The stream of the output has a buffer; a second one would hold text
+  // back.
+  void take(std::FILE* file) {
+    file_ = file;
+    std::setvbuf(file, nullptr, _IONBF, 0);
+  }
 
   bool write(std::string_view text) override {
     if (std::fwrite(text.data(), 1, text.size(), file_) != text.size()) failed_ = true;
@@ -57,7 +63,7 @@ class FileTarget final : public SinkTarget {
   }
 
  private:
-  std::FILE* file_;
+  std::FILE* file_ = nullptr;
   bool failed_ = false;
 };
 
@@ -140,6 +146,9 @@ std::unique_ptr<SinkTarget> FileSink::openBeside(const std::string& name, bool& 
   }
   const std::string temporary =
       place.folder + ".ibis-load-" + hexadecimal(key_ + ++count_) + ".part";
+  // All memory is there before the file is, so that none is left that nobody knows of.
+  auto target = std::make_unique<FileTarget>();
+  std::map<std::string, std::string> made{{name, temporary}};
   announce(temporary);
   std::FILE* file = nullptr;
   const int fault = open_(&file, temporary.c_str(), "w");
@@ -148,22 +157,31 @@ std::unique_ptr<SinkTarget> FileSink::openBeside(const std::string& name, bool& 
     cannotBe = !isRefusalOfFolder(fault);
     return nullptr;
   }
-  auto target = std::make_unique<FileTarget>(file);
+  target->take(file);
   if (exists) takeOver(file, old);
-  std::string& made = made_[name];
-  if (!made.empty()) discard(made);
-  made = temporary;
+  giveUp(name);
+  made_.merge(made);
   return target;
 }
 
 std::unique_ptr<SinkTarget> FileSink::open(const std::string& name) {
   bool cannotBe = false;
-  auto target = openBeside(name, cannotBe);
-  if (target || cannotBe) return target;
+  auto beside = openBeside(name, cannotBe);
+  if (beside || cannotBe) return beside;
   const PipeProbe pipe(name);
+  auto target = std::make_unique<FileTarget>();
   std::FILE* file = nullptr;
   if (pipe.hasNoReader() || open_(&file, name.c_str(), "w") != 0) return nullptr;
-  return std::make_unique<FileTarget>(file);
+  target->take(file);
+  giveUp(name);
+  return target;
+}
+
+void FileSink::giveUp(const std::string& name) {
+  const auto made = made_.find(name);
+  if (made == made_.end()) return;
+  discard(made->second);
+  made_.erase(made);
 }
 
 bool FileSink::keep(const std::string& name) {

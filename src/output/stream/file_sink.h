@@ -35,6 +35,7 @@ class FileSink : public Sink {
  private:
   std::unique_ptr<SinkTarget> openBeside(const std::string& name, bool& cannotBe);
   void discard(const std::string& temporary);
+  void giveUp(const std::string& name);
 
   OpenFunction open_;
   std::uint64_t key_;                        // makes this sink's temporary names unique
