@@ -4,7 +4,7 @@
 
 #include "call_line.h"
 #include "fuzz.h"
-#include "host/fake_host.h"
+#include "harness/fake_host.h"
 #include "large_output.h"
 #include "memory_disk.h"
 

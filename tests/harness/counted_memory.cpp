@@ -1,6 +1,8 @@
-#include "robustness/counted_memory.h"
+#include "harness/counted_memory.h"
 
+#include <atomic>
 #include <cstdlib>
+#include <limits>
 #include <new>
 
 #if defined(__has_feature)
@@ -18,11 +20,14 @@ namespace {
 thread_local MemoryUse use;
 thread_local FailingMemory* failing = nullptr;
 
+constexpr std::size_t anySize = std::numeric_limits<std::size_t>::max();
+std::atomic<std::size_t> smallestRefused = anySize;
+
 bool fails(FailingMemory::Source source) { return failing != nullptr && failing->fails(source); }
 
 void* take(std::size_t size) {
-  void* const block =
-      fails(FailingMemory::Source::operatorNew) ? nullptr : std::malloc(size > 0 ? size : 1);
+  const bool isRefused = size >= smallestRefused || fails(FailingMemory::Source::operatorNew);
+  void* const block = isRefused ? nullptr : std::malloc(size > 0 ? size : 1);
   if (block == nullptr) return nullptr;
   ++use.allocations;
   use.bytes += size;
@@ -51,6 +56,10 @@ FailingMemory::FailingMemory(Source source, Duration duration, std::uint64_t suc
 }
 
 FailingMemory::~FailingMemory() { failing = nullptr; }
+
+NoLargeMemory::NoLargeMemory(std::size_t size) { smallestRefused = size; }
+
+NoLargeMemory::~NoLargeMemory() { smallestRefused = anySize; }
 
 bool FailingMemory::fails(Source source) {
   if (source != source_) return false;

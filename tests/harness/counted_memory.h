@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace ibis::testing {
@@ -40,6 +41,16 @@ class FailingMemory {
   Duration duration_;
   std::uint64_t successes_;
   std::uint64_t failures_ = 0;
+};
+
+/// Makes each `operator new` of so many bytes or more fail, on every thread, for as long as it
+/// lives.
+class NoLargeMemory {
+ public:
+  explicit NoLargeMemory(std::size_t smallestRefused);
+  ~NoLargeMemory();
+  NoLargeMemory(const NoLargeMemory&) = delete;
+  NoLargeMemory& operator=(const NoLargeMemory&) = delete;
 };
 
 }  // namespace ibis::testing

@@ -1,10 +1,6 @@
 #include "harness/harness.h"
 
-#include <stdlib.h>
-
 #include <cstdarg>
-#include <fstream>
-#include <sstream>
 
 #include "host/diagnostics/format_message.h"
 #include "model/estimate_waveforms.h"
@@ -31,41 +27,6 @@ std::string lines(std::initializer_list<std::string_view> items) {
   std::string text;
   for (std::string_view item : items) text.append(item).append(1, '\n');
   return text;
-}
-
-TemporaryFolder::TemporaryFolder() {
-  std::string pattern = (fs::temp_directory_path() / "ibis-load-XXXXXX").string();
-  if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder");
-  path_ = fs::canonical(pattern);
-}
-
-TemporaryFolder::~TemporaryFolder() {
-  std::error_code ignored;
-  fs::remove_all(path_, ignored);
-}
-
-std::map<std::string, std::string> TemporaryFolder::contents() const {
-  std::map<std::string, std::string> files;
-  for (const auto& entry : fs::directory_iterator(path_)) {
-    if (entry.is_regular_file()) {
-      files[entry.path().filename().string()] = readWholeFile(entry.path().string());
-    }
-  }
-  return files;
-}
-
-std::string readWholeFile(const std::string& name) {
-  std::ifstream stream(name, std::ios::binary);
-  std::ostringstream text;
-  text << stream.rdbuf();
-  if (!stream) throw std::runtime_error("cannot read " + name);
-  return text.str();
-}
-
-void writeWholeFile(const std::string& name, std::string_view text) {
-  std::ofstream stream(name, std::ios::binary);
-  stream << text;
-  if (!stream.flush()) throw std::runtime_error("cannot write " + name);
 }
 
 void drawWaveforms(IBISModel& model) {

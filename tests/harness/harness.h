@@ -10,6 +10,7 @@
 
 #include "component/names/name_table.h"
 #include "harness/message_ledger.h"
+#include "harness/temporary_folder.h"
 #include "host/load_sequence.h"
 #include "output/keyword_registry.h"
 #include "output/stream/memory_sink.h"
@@ -34,27 +35,6 @@ class Recorder final : public IBISErrorHandler {
 
 /// Joins lines, each with a line feed behind it.
 std::string lines(std::initializer_list<std::string_view> items);
-
-/// A folder of its own that goes away with the object.
-class TemporaryFolder {
- public:
-  TemporaryFolder();
-  ~TemporaryFolder();
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-  std::string path() const { return path_.string(); }
-  std::string file(const std::string& name) const { return (path_ / name).string(); }
-
-  /// Every file of the folder, name to content.
-  std::map<std::string, std::string> contents() const;
-
- private:
-  std::filesystem::path path_;
-};
-
-std::string readWholeFile(const std::string& name);
-void writeWholeFile(const std::string& name, std::string_view text);
 
 /// A scanned text with its records.
 struct Scanned {

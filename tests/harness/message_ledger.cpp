@@ -1,5 +1,8 @@
 #include "harness/message_ledger.h"
 
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
 #include <map>
 #include <set>
 
@@ -17,6 +20,21 @@ Ledger& ledger() {
   static Ledger all;
   return all;
 }
+
+class MessageCoverage final : public ::testing::Environment {
+ public:
+  explicit MessageCoverage(std::span<const MessageRow> table) : table_(table) {}
+
+  void TearDown() override {
+    const bool skipsAny = ::testing::UnitTest::GetInstance()->skipped_test_count() > 0;
+    if (GTEST_FLAG_GET(filter) != "*" || skipsAny) return;
+    EXPECT_EQ(unprovenMessages(table_), Texts())
+        << "messages that no test provokes and checks in full";
+  }
+
+ private:
+  std::span<const MessageRow> table_;
+};
 
 }  // namespace
 
@@ -44,6 +62,12 @@ Texts unprovenMessages(std::span<const MessageRow> table) {
     if (!ids.contains(std::string(row.id.view()))) unproven.emplace_back(row.id.view());
   }
   return unproven;
+}
+
+int runTests(int count, char** arguments, std::span<const MessageRow> table) {
+  ::testing::InitGoogleMock(&count, arguments);
+  ::testing::AddGlobalTestEnvironment(new MessageCoverage(table));
+  return RUN_ALL_TESTS();
 }
 
 }  // namespace ibis::testing

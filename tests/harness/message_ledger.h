@@ -23,4 +23,8 @@ Texts proven(Texts expected);
 /// Ids of a table's messages of which no text was both made and expected so far.
 Texts unprovenMessages(std::span<const MessageRow> table);
 
+/// Runs all tests; a message of the table that no test checks in full fails the whole run, while a
+/// part of the run, or one that skips a test, cannot tell.
+int runTests(int count, char** arguments, std::span<const MessageRow> table);
+
 }  // namespace ibis::testing

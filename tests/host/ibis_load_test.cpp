@@ -1,8 +1,8 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "harness/fake_host.h"
 #include "harness/harness.h"
-#include "host/fake_host.h"
 
 namespace ibis::testing {
 namespace {

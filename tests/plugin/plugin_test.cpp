@@ -2,13 +2,11 @@
 #include <elf.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
 #include <algorithm>
 #include <array>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <map>
 #include <memory>
 #include <sstream>
@@ -17,7 +15,8 @@
 #include <thread>
 #include <vector>
 
-#include "host/fake_host.h"
+#include "harness/fake_host.h"
+#include "harness/temporary_folder.h"
 
 namespace ibis::testing {
 namespace {
@@ -38,43 +37,12 @@ Library loadPlugin() { return Library(dlopen(IBIS_PLUGIN_PATH, RTLD_NOW | RTLD_L
 
 bool isLoaded() { return Library(dlopen(IBIS_PLUGIN_PATH, RTLD_NOW | RTLD_NOLOAD)) != nullptr; }
 
-std::string contentOf(const fs::path& name) {
-  std::ifstream stream(name, std::ios::binary);
-  std::ostringstream text;
-  text << stream.rdbuf();
-  return text.str();
+// Files beside the source, by name.
+Files writtenInto(const TemporaryFolder& folder) {
+  Files files = folder.contents();
+  files.erase("input.ibs");
+  return files;
 }
-
-// A folder of its own with the source and what is written; it goes away with the object.
-class Folder {
- public:
-  explicit Folder(const std::string& text) : path_(make()) { std::ofstream(source()) << text; }
-  ~Folder() { fs::remove_all(path_); }
-  Folder(const Folder&) = delete;
-  Folder& operator=(const Folder&) = delete;
-
-  std::string path() const { return path_; }
-  std::string source() const { return path_ + "/input.ibs"; }
-
-  /// Files beside the source, by name.
-  Files written() const {
-    Files files;
-    for (const auto& entry : fs::directory_iterator(path_)) {
-      files[entry.path().filename().string()] = contentOf(entry.path());
-    }
-    files.erase("input.ibs");
-    return files;
-  }
-
- private:
-  static std::string make() {
-    std::string pattern = (fs::temp_directory_path() / "ibis-load-XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder");
-    return pattern;
-  }
-
-  std::string path_;
-};
 
 std::string waveform(const std::string& edge, const std::string& fixture, double start,
                      double end) {
@@ -118,14 +86,14 @@ struct Outcome {
 };
 
 Outcome callOn(const std::string& text, const Texts& pins) {
-  const Folder folder(text);
+  const TemporaryFolder folder;
   FakeResult result;
   const FakeArguments arguments(
-      {Texts({folder.source()}), Texts({"model", "", folder.path(), "dut"}), pins});
+      {Texts({folder.write("input.ibs", text)}), Texts({"model", "", folder.path(), "dut"}), pins});
   const FuncConstruct* function = findScriptFunction("IBIS_Load");
   EXPECT_EQ(callAsHost(function->function(), arguments, result, Handler(new MessageHandler)),
             FUNC_ERROR::success);
-  Outcome outcome{result.strings(), result.finishCalls, folder.written()};
+  Outcome outcome{result.strings(), result.finishCalls, writtenInto(folder)};
   EXPECT_EQ(outcome.result.at(1), folder.path());
   outcome.result[1] = "root";
   return outcome;
@@ -296,11 +264,13 @@ Texts exportedNames(const std::string& bytes) {
   return names;
 }
 
-TEST(Plugin, ExportsNothing) { EXPECT_THAT(exportedNames(contentOf(IBIS_PLUGIN_PATH)), IsEmpty()); }
+TEST(Plugin, ExportsNothing) {
+  EXPECT_THAT(exportedNames(readWholeFile(IBIS_PLUGIN_PATH)), IsEmpty());
+}
 
 TEST(SupportLibrary, ExportsWhatPluginsUse) {
   const std::string folder = fs::path(IBIS_PLUGIN_PATH).parent_path().string();
-  const Texts names = exportedNames(contentOf(folder + "/libibis_support.so"));
+  const Texts names = exportedNames(readWholeFile(folder + "/libibis_support.so"));
   for (const char* name : {"_Z18findScriptFunctionPKc", "_Z13duplicateTextPKc"}) {
     EXPECT_EQ(std::ranges::count(names, name), 1) << name;
   }

@@ -28,7 +28,7 @@ std::string libraryFolder() {
 }
 
 TEST(Call, PrintsTheResultOnOneLine) {
-  const Folder folder;
+  const TemporaryFolder folder;
   const std::string source = folder.write("warning.ibs", warningText);
   const json request = {{source}, {"model", "BUF-1", folder.path(), "dut"}, {"1"}, json::array()};
   const Outcome result = call(request.dump());
@@ -60,14 +60,14 @@ TEST(Call, TakesBlanksAndLineEndsAroundTheRequest) {
 }
 
 TEST(Call, KeepsTheEscapesOfSelections) {
-  const Folder folder;
+  const TemporaryFolder folder;
   const json request = {{folder.write("buffer.ibs", bufferText)}, {""}, json::array(), {R"(a\sb)"}};
   EXPECT_EQ(json::parse(call(request.dump()).out),
             (json{"2", "", "0", "1", "Model selector 'a b' not found in IBIS file"}));
 }
 
 TEST(Call, BytesThatAreNotUtf8BecomeReplacementCharacters) {
-  const Folder folder;
+  const TemporaryFolder folder;
   const std::string text =
       "[IBIS Ver] 4.2\n[Component] X\n[Pin] signal_name model_name\n\xff\xe2\x82 A none\n";
   const json request = {{folder.write("bytes.ibs", text)}, {"model", "", folder.path()}};
@@ -142,7 +142,7 @@ TEST(Call, APluginWithoutAFolderIsLookedForInTheCurrentOne) {
 }
 
 TEST(Call, AFileThatIsNoLibraryIsNoPlugin) {
-  const Folder folder;
+  const TemporaryFolder folder;
   const std::string plugin = folder.write("plugin.so", std::string(200, 'x'));
   const Outcome result = call(smallRequest, {"--plugin", plugin});
   EXPECT_EQ(result.status, 2);
@@ -164,7 +164,7 @@ TEST(Call, AMalformedRequestIsToldAheadOfAMissingPlugin) {
 }
 
 TEST(Call, FindsItsPluginFromAnyFolderAndThroughALink) {
-  const Folder folder;
+  const TemporaryFolder folder;
   std::filesystem::create_symlink(IBIS_PROGRAM_PATH, folder.file("program"));
   const Outcome result =
       run({"call"},

@@ -19,15 +19,15 @@ Outcome convert(std::vector<std::string> words, const Streams& streams = {}) {
 
 // What the plug-in writes for the same request into a folder of its own.
 std::string writtenByCall(const json& request, const std::string& name) {
-  const Folder folder;
+  const TemporaryFolder folder;
   json inFolder = request;
   inFolder[1][2] = folder.path();
   EXPECT_EQ(run({"call"}, {.input = inFolder.dump()}).status, 0);
-  return readFile(folder.file(name));
+  return readWholeFile(folder.file(name));
 }
 
 TEST(Convert, WritesLibraryAndPageIntoTheFolder) {
-  const Folder folder;
+  const TemporaryFolder folder;
   const std::string source = folder.write("buffer.ibs", bufferText);
   const std::string out = folder.file("made/for/it");
   const Outcome result = convert({source, "-o", out});
@@ -37,18 +37,19 @@ TEST(Convert, WritesLibraryAndPageIntoTheFolder) {
 }
 
 TEST(Convert, WritesWhatThePluginWrites) {
-  const Folder folder;
+  const TemporaryFolder folder;
   const std::string source = folder.write("buffer.ibs", bufferText);
   ASSERT_EQ(convert({source, "-o", folder.path()}).status, 0);
   const json request = {{source}, {"model", "", "", "BUF_1"}};
-  const std::string library = readFile(folder.file("BUF_1.lb"));
+  const std::string library = readWholeFile(folder.file("BUF_1.lb"));
   EXPECT_NE(library, "");
   EXPECT_EQ(library, writtenByCall(request, "BUF_1.lb"));
-  EXPECT_EQ(readFile(folder.file("BUF_1_INFO.html")), writtenByCall(request, "BUF_1_INFO.html"));
+  EXPECT_EQ(readWholeFile(folder.file("BUF_1_INFO.html")),
+            writtenByCall(request, "BUF_1_INFO.html"));
 }
 
 TEST(Convert, WritesIntoTheCurrentFolderByDefault) {
-  const Folder folder;
+  const TemporaryFolder folder;
   folder.write("buffer.ibs", bufferText);
   const Outcome result = convert({"buffer.ibs"}, {.folder = folder.path()});
   EXPECT_EQ(result.status, 0);
@@ -57,19 +58,19 @@ TEST(Convert, WritesIntoTheCurrentFolderByDefault) {
 }
 
 TEST(Convert, LeavesOutSlashesBehindTheFolder) {
-  const Folder folder;
+  const TemporaryFolder folder;
   const std::string source = folder.write("buffer.ibs", bufferText);
   const Outcome result = convert({source, "-m", "package", "-o", folder.path() + "//"});
   EXPECT_EQ(result.out, folder.file("BUF_1.lb") + "\n0 warnings, 0 errors\n");
 }
 
 TEST(Convert, PackageModeWritesThePackageAlone) {
-  const Folder folder;
+  const TemporaryFolder folder;
   const std::string source = folder.write("buffer.ibs", bufferText);
   const Outcome result = convert({source, "-m", "package", "-s", "dut"}, {.folder = folder.path()});
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.out, "./dut.lb\n0 warnings, 0 errors\n");
-  EXPECT_EQ(readFile(folder.file("dut.lb")), R"(
+  EXPECT_EQ(readWholeFile(folder.file("dut.lb")), R"(
 *******************************************************************************
 ** IBIS PACKAGE MODEL
 *******************************************************************************
@@ -109,17 +110,17 @@ URLC_VSS IN_VSS OUT_VSS REF RLC L=[2e-09, 2e-09, 2e-09] C=[1e-12, 1e-12, 1e-12] 
 }
 
 TEST(Convert, ScriptModeWritesTheScript) {
-  const Folder folder;
+  const TemporaryFolder folder;
   const std::string source = folder.write("buffer.ibs", bufferText);
   const Outcome result = convert({source, "-m", "script", "-o", folder.path()});
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.out, folder.file("ibis_components.kvscr") + "\n0 warnings, 0 errors\n");
-  EXPECT_EQ(readFile(folder.file("ibis_components.kvscr")),
+  EXPECT_EQ(readWholeFile(folder.file("ibis_components.kvscr")),
             writtenByCall({{source}, {"script", "", "", ""}}, "ibis_components.kvscr"));
 }
 
 TEST(Convert, SymbolModeWritesNothingAndSaysSo) {
-  const Folder folder;
+  const TemporaryFolder folder;
   const std::string source = folder.write("buffer.ibs", bufferText);
   const Outcome result = convert({source, "-m", "symbol", "-o", folder.file("out")});
   EXPECT_EQ(result.status, 1);
@@ -129,36 +130,36 @@ TEST(Convert, SymbolModeWritesNothingAndSaysSo) {
 }
 
 TEST(Convert, TakesModesInAnyCase) {
-  const Folder folder;
+  const TemporaryFolder folder;
   const std::string source = folder.write("buffer.ibs", bufferText);
   const Outcome result = convert({source, "--mode", "PacKage", "-o", folder.path()});
   EXPECT_EQ(result.out, folder.file("BUF_1.lb") + "\n0 warnings, 0 errors\n");
 }
 
 TEST(Convert, WritesTheComponentAskedFor) {
-  const Folder folder;
+  const TemporaryFolder folder;
   const std::string second = "[Component] TWO\n[Pin] signal_name model_name\n7 Z in\n";
   const std::string source = folder.write("two.ibs", partText + second + receiverText);
   const Outcome result = convert({source, "-c", "TWO", "-o", folder.path()});
   EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(readFile(folder.file("TWO.lb")),
+  EXPECT_EQ(readWholeFile(folder.file("TWO.lb")),
             writtenByCall({{source}, {"model", "TWO", "", "TWO"}}, "TWO.lb"));
 }
 
 TEST(Convert, WritesThePinsAskedFor) {
-  const Folder folder;
+  const TemporaryFolder folder;
   const std::string source = folder.write("buffer.ibs", bufferText);
   const json onlyOne = {{source}, {"model", "", "", "dut"}, {"1"}};
   const json both = {{source}, {"model", "", "", "dut"}, {"1", "2"}};
   ASSERT_NE(writtenByCall(onlyOne, "dut.lb"), writtenByCall(both, "dut.lb"));
   ASSERT_EQ(convert({"-p", "1", source, "-s", "dut", "-o", folder.path()}).status, 0);
-  EXPECT_EQ(readFile(folder.file("dut.lb")), writtenByCall(onlyOne, "dut.lb"));
+  EXPECT_EQ(readWholeFile(folder.file("dut.lb")), writtenByCall(onlyOne, "dut.lb"));
   ASSERT_EQ(convert({"-p", "1", "-p", "2", source, "-s", "dut", "-o", folder.path()}).status, 0);
-  EXPECT_EQ(readFile(folder.file("dut.lb")), writtenByCall(both, "dut.lb"));
+  EXPECT_EQ(readWholeFile(folder.file("dut.lb")), writtenByCall(both, "dut.lb"));
 }
 
 TEST(Convert, TakesSelectionsAsPlainText) {
-  const Folder folder;
+  const TemporaryFolder folder;
   const std::string selector = "[Model Selector] in\nslow the slow one\nfast C:\\slew\\fast\n";
   const std::string models =
       "[Model] slow\nModel_type Terminator\n[Model] fast\nModel_type Terminator\n";
@@ -167,11 +168,11 @@ TEST(Convert, TakesSelectionsAsPlainText) {
       convert({source, "--select", R"(C:\slew\fast)", "-s", "dut", "-o", folder.path()});
   EXPECT_EQ(result.err, "");
   const json request = {{source}, {"model", "", "", "dut"}, json::array(), {R"(C:\\slew\\fast)"}};
-  EXPECT_EQ(readFile(folder.file("dut.lb")), writtenByCall(request, "dut.lb"));
+  EXPECT_EQ(readWholeFile(folder.file("dut.lb")), writtenByCall(request, "dut.lb"));
 }
 
 TEST(Convert, QuietPrintsNothing) {
-  const Folder folder;
+  const TemporaryFolder folder;
   const std::string source = folder.write("warning.ibs", warningText);
   const Outcome result = convert({source, "-q", "-m", "package", "-o", folder.path()});
   EXPECT_EQ(result.status, 0);
@@ -182,7 +183,7 @@ TEST(Convert, QuietPrintsNothing) {
 }
 
 TEST(Convert, JsonHoldsAllAndNothingStandsBesideIt) {
-  const Folder folder;
+  const TemporaryFolder folder;
   const std::string source = folder.write("warning.ibs", warningText);
   for (const bool isQuiet : {false, true}) {
     std::vector<std::string> words = {source, "--json", "-m", "package", "-o", folder.path()};
@@ -206,7 +207,7 @@ TEST(Convert, JsonTellsOfErrorsWithoutALine) {
 }
 
 TEST(Convert, JsonReplacesBytesThatAreNotUtf8) {
-  const Folder folder;
+  const TemporaryFolder folder;
   const std::string source = folder.write(
       "bytes.ibs",
       "[IBIS Ver] 4.2\n[Component] X\n[Pin] signal_name model_name\n\xff\xe2\x82 A none\n");
@@ -218,7 +219,7 @@ TEST(Convert, JsonReplacesBytesThatAreNotUtf8) {
 }
 
 TEST(Convert, WarningsAsErrorsChangeTheStatusAlone) {
-  const Folder folder;
+  const TemporaryFolder folder;
   const std::string source = folder.write("warning.ibs", warningText);
   const Outcome result = convert({source, "--werror", "-m", "package", "-o", folder.path()});
   EXPECT_EQ(result.status, 1);
@@ -227,13 +228,13 @@ TEST(Convert, WarningsAsErrorsChangeTheStatusAlone) {
 }
 
 TEST(Convert, WarningsAsErrorsPassAFileWithoutWarnings) {
-  const Folder folder;
+  const TemporaryFolder folder;
   const std::string source = folder.write("buffer.ibs", bufferText);
   EXPECT_EQ(convert({source, "--werror", "-o", folder.path()}).status, 0);
 }
 
 TEST(Convert, NothingIsWrittenForAFileWithErrors) {
-  const Folder folder;
+  const TemporaryFolder folder;
   const std::string source = folder.write("bad.ibs", partText + "[End]\n");
   const Outcome result = convert({source, "-o", folder.file("out")});
   EXPECT_EQ(result.status, 1);
@@ -251,20 +252,20 @@ TEST(Convert, AnOutputFileIsNeverTheInputFile) {
                {"package", "dut.lb"},
                {"script", "ibis_components.kvscr"}};
   for (const auto& [mode, name] : cases) {
-    const Folder folder;
+    const TemporaryFolder folder;
     const std::string source = folder.write(name, bufferText);
     const Outcome result = convert({source, "-m", mode, "-s", "dut", "-o", folder.path()});
     EXPECT_EQ(result.status, 1) << mode << ' ' << name;
     EXPECT_EQ(result.err,
               source + ": error: Output file '" + source + "' is the input file itself\n");
-    EXPECT_EQ(readFile(source), bufferText);
+    EXPECT_EQ(readWholeFile(source), bufferText);
     EXPECT_THAT(folder.names(), ElementsAre(name));
   }
 }
 
 TEST(Convert, AnOutputFileIsNeverALinkToTheInputFile) {
   for (const bool isSymbolic : {false, true}) {
-    const Folder folder;
+    const TemporaryFolder folder;
     const std::string source = folder.write("buffer.ibs", bufferText);
     if (isSymbolic) {
       std::filesystem::create_symlink(source, folder.file("BUF_1.lb"));
@@ -275,21 +276,21 @@ TEST(Convert, AnOutputFileIsNeverALinkToTheInputFile) {
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.err, source + ": error: Output file '" + folder.file("BUF_1.lb") +
                               "' is the input file itself\n");
-    EXPECT_EQ(readFile(source), bufferText);
+    EXPECT_EQ(readWholeFile(source), bufferText);
   }
 }
 
 TEST(Convert, WritesOverEarlierOutput) {
-  const Folder folder;
+  const TemporaryFolder folder;
   const std::string source = folder.write("buffer.ibs", bufferText);
   folder.write("BUF_1.lb", std::string(100'000, 'x'));
   EXPECT_EQ(convert({source, "-m", "package", "-o", folder.path()}).status, 0);
-  EXPECT_EQ(readFile(folder.file("BUF_1.lb")),
+  EXPECT_EQ(readWholeFile(folder.file("BUF_1.lb")),
             writtenByCall({{source}, {"package", "", "", "BUF_1"}}, "BUF_1.lb"));
 }
 
 TEST(Convert, AReaderThatLeftEndsInStatusOne) {
-  const Folder folder;
+  const TemporaryFolder folder;
   const std::string source = folder.write("buffer.ibs", bufferText);
   const Outcome result = convert({source, "-o", folder.path()}, {.outputHasNoReader = true});
   EXPECT_EQ(result.status, 1);
@@ -297,7 +298,7 @@ TEST(Convert, AReaderThatLeftEndsInStatusOne) {
 }
 
 TEST(Convert, AFullStandardOutputEndsInStatusOne) {
-  const Folder folder;
+  const TemporaryFolder folder;
   const std::string source = folder.write("buffer.ibs", bufferText);
   const Outcome result = convert({source, "--json", "-o", folder.path()}, {.output = "/dev/full"});
   EXPECT_EQ(result.status, 1);

@@ -22,7 +22,7 @@ const std::string vinh = ":14: warning: Model 'in': Vinh not defined using defau
 const std::string header = "  status   files  warnings  errors  folder\n";
 
 // A folder with an empty folder "lib" in it, where the program works.
-struct Library : Folder {
+struct Library : TemporaryFolder {
   Library() { fs::create_directory(file("lib")); }
 
   void add(const std::string& name, const std::string& text = bufferText) const {
@@ -68,8 +68,8 @@ TEST(ManyFiles, GetTheOutputThatEachGetsAlone) {
   ASSERT_EQ(library.convert({"a.ibs", "b.ibs"}).status, 0);
   for (const std::string name : {"a", "b"}) {
     ASSERT_EQ(library.convert({name + ".ibs"}, name).status, 0);
-    EXPECT_EQ(readFile(library.file("out/" + name + "/BUF_1.lb")),
-              readFile(library.file(name + "/BUF_1.lb")));
+    EXPECT_EQ(readWholeFile(library.file("out/" + name + "/BUF_1.lb")),
+              readWholeFile(library.file(name + "/BUF_1.lb")));
   }
 }
 

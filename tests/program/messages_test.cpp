@@ -15,7 +15,7 @@ struct Told {
 };
 
 Told convertText(const std::string& text, const std::vector<std::string>& options = {}) {
-  const Folder folder;
+  const TemporaryFolder folder;
   folder.write("part.ibs", text);
   std::vector<std::string> words = {"convert", "part.ibs", "-q"};
   words.insert(words.end(), options.begin(), options.end());
@@ -50,10 +50,10 @@ TEST(Messages, AMessageAboutAModelHasTheModelsLine) {
             "part.ibs:14: warning: Model 'in': Vinh not defined using default 2.0V\n");
 }
 
-TEST(Messages, AModelDefinedTwiceHasNoLine) {
+TEST(Messages, AModelDefinedTwiceHasItsOwnLine) {
   EXPECT_EQ(
       convertText(partText + receiverText + "[Model] in\nModel_type Input\nVinl = 0.8\n").messages,
-      "part.ibs: warning: Model 'in': Vinh not defined using default 2.0V\n");
+      "part.ibs:19: warning: Model 'in': Vinh not defined using default 2.0V\n");
 }
 
 TEST(Messages, ABuiltInModelDoesNotHideTheFilesModelOfItsName) {
@@ -62,9 +62,9 @@ TEST(Messages, ABuiltInModelDoesNotHideTheFilesModelOfItsName) {
             "part.ibs:19: warning: Model 'GND': Vinh not defined using default 2.0V\n");
 }
 
-TEST(Messages, AMessageWithoutAnyLineHasNone) {
-  EXPECT_EQ(convertText("[IBIS Ver] 5.1\n").messages,
-            "part.ibs: error: Version '5.1' not supported. Aborting IBIS\n");
+TEST(Messages, ALineThatTheTextDoesNotTellStandsInFront) {
+  EXPECT_EQ(convertText("\n[IBIS Ver] 5.1\n").messages,
+            "part.ibs:2: error: Version '5.1' not supported. Aborting IBIS\n");
 }
 
 TEST(Messages, WarningsStandAheadOfErrors) {
@@ -77,7 +77,7 @@ TEST(Messages, WarningsStandAheadOfErrors) {
 }
 
 TEST(Messages, TheFileIsNamedAsTheCallerNamesIt) {
-  const Folder folder;
+  const TemporaryFolder folder;
   folder.write("part.ibs", partText);
   const Outcome result = run({"convert", ".//part.ibs"}, {.folder = folder.path()});
   EXPECT_EQ(result.err,
@@ -88,6 +88,49 @@ TEST(Messages, AComponentThatIsNotThereIsAnError) {
   const Told told = convertText(bufferText, {"-c", "NONE"});
   EXPECT_EQ(told.status, 1);
   EXPECT_EQ(told.messages, "part.ibs: error: Component name 'NONE' not found in IBIS file\n");
+}
+
+// The second corner of the ramp is so fast that the steps of it would never end on the third.
+const std::string unequalRampText = R"([Model] in
+Model_type Output
+C_comp 1p 1p 1p
+[Voltage Range] 4 4 4
+[Pulldown]
+-4 -32m
+8 64m
+[Pullup]
+-4 32m
+8 -64m
+[Ramp]
+dV/dt_r 1/1n 1/1n 1/1n
+dV/dt_f 1/1n 1/1p 1/1
+)";
+
+TEST(Messages, AnEstimatedWaveformThatWouldBeTooLongIsWarnedOf) {
+  const Told told = convertText(partText + unequalRampText, {"-s", "dut"});
+  EXPECT_EQ(told.status, 0);
+  EXPECT_EQ(told.messages,
+            "part.ibs:14: warning: Model in: Estimated waveform as no waveform data in model file. "
+            "Waveform may deviate substantially from actual device\n"
+            "part.ibs:14: warning: Model 'in': an estimated waveform would have more than 1000000 "
+            "points and is empty\n");
+}
+
+TEST(Messages, ThePluginDoesNotTellOfAWaveformThatWouldBeTooLong) {
+  const TemporaryFolder folder;
+  const std::string source = folder.write("part.ibs", partText + unequalRampText);
+  const std::string request =
+      "[[\"" + source + "\"],[\"model\",\"\",\"" + folder.path() + "\",\"dut\"]]";
+  EXPECT_EQ(run({"call"}, {.input = request}).out,
+            "[\"1\",\"" + folder.path() +
+                "\",\"1\",\"0\",\"Model in: Estimated waveform as no waveform data in model file. "
+                "Waveform may deviate substantially from actual device\"]\n");
+}
+
+TEST(Messages, OtherModesHoldNoWaveformsToWarnOf) {
+  EXPECT_EQ(convertText(partText + unequalRampText, {"-m", "package"}).messages,
+            "part.ibs:14: warning: Model in: Estimated waveform as no waveform data in model file. "
+            "Waveform may deviate substantially from actual device\n");
 }
 
 TEST(Messages, ASelectionThatIsNotThereIsAnError) {
@@ -131,7 +174,7 @@ TEST(Messages, TheWarningOfValuesThatAreNotFiniteCounts) {
 TEST(Messages, AnInfiniteTableValueIsWarnedOf) {
   for (const std::string value : {"inf", "-inf", "nan", "1e999"}) {
     const std::string clamp = "[GND Clamp]\n-1 " + value + "\n0 0\n[Voltage Range] 0\n";
-    const Folder folder;
+    const TemporaryFolder folder;
     folder.write("part.ibs", partText + receiverText + clamp);
     const Outcome result = run({"convert", "part.ibs", "-s", "dut"}, {.folder = folder.path()});
     EXPECT_EQ(result.err,
@@ -180,7 +223,7 @@ TEST(Messages, AModelThatIsNotInUseIsNotWarnedOf) {
 }
 
 TEST(BadInput, EachKindOfFileThatCannotBeReadHasItsReason) {
-  const Folder folder;
+  const TemporaryFolder folder;
   ASSERT_EQ(mkfifo(folder.file("pipe").c_str(), 0600), 0);
   std::filesystem::create_symlink("nowhere", folder.file("dangling"));
   std::filesystem::resize_file(folder.write("large", ""), 0x7fffffff);
@@ -233,7 +276,7 @@ TEST(BadInput, AFolderThatCannotBeMadeSaysWhy) {
 }
 
 TEST(BadInput, AnOutputFileThatCannotBeOpenedIsAnError) {
-  const Folder folder;
+  const TemporaryFolder folder;
   folder.write("part.ibs", bufferText);
   std::filesystem::create_directory(folder.file("BUF_1.lb"));
   const Outcome result = run({"convert", "part.ibs", "-m", "package"}, {.folder = folder.path()});
@@ -243,7 +286,7 @@ TEST(BadInput, AnOutputFileThatCannotBeOpenedIsAnError) {
 }
 
 TEST(BadInput, ALibraryThatWasNotWrittenHoldsNothingToWarnOf) {
-  const Folder folder;
+  const TemporaryFolder folder;
   folder.write("part.ibs",
                partText + receiverText + "[GND Clamp]\n-1 inf\n0 0\n[Voltage Range] 0\n");
   std::filesystem::create_directory(folder.file("BUF_1.lb"));
@@ -254,7 +297,7 @@ TEST(BadInput, ALibraryThatWasNotWrittenHoldsNothingToWarnOf) {
 }
 
 TEST(BadInput, AFullDiskIsAnError) {
-  const Folder folder;
+  const TemporaryFolder folder;
   folder.write("part.ibs", bufferText);
   std::filesystem::create_symlink("/dev/full", folder.file("BUF_1.lb"));
   const Outcome result = run({"convert", "part.ibs", "-m", "package"}, {.folder = folder.path()});

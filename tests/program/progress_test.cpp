@@ -71,7 +71,8 @@ class Terminal {
   std::future<void> reading_;
 };
 
-std::string shownOn(unsigned short columns, const Folder& folder, std::vector<std::string> words) {
+std::string shownOn(unsigned short columns, const TemporaryFolder& folder,
+                    std::vector<std::string> words) {
   Terminal terminal(columns);
   words.insert(words.begin(), {"convert", "-m", "package", "-o", "out"});
   run(words, {.error = terminal.name(), .folder = folder.path()});
@@ -85,7 +86,7 @@ std::string wiped(std::size_t columns) { return '\r' + std::string(columns, ' ')
 const std::string moreLines = "([0-9]+ of [0-9]+ files?(, [0-9.]+ per second)?: [^\r]*\r\r *\r)*";
 
 TEST(Progress, StandsOnTheTerminalAndIsWipedAtTheEnd) {
-  const Folder folder;
+  const TemporaryFolder folder;
   folder.write("a.ibs", bufferText);
   folder.write("b.ibs", bufferText);
   EXPECT_THAT(shownOn(80, folder, {"a.ibs", "b.ibs"}),
@@ -93,7 +94,7 @@ TEST(Progress, StandsOnTheTerminalAndIsWipedAtTheEnd) {
 }
 
 TEST(Progress, MakesRoomForMessages) {
-  const Folder folder;
+  const TemporaryFolder folder;
   folder.write("a.ibs", "");
   EXPECT_THAT(
       shownOn(80, folder, {"a.ibs", "gone.ibs"}),
@@ -126,7 +127,7 @@ class SlowReader {
 };
 
 TEST(Progress, ShowsCountRateAndCurrentFile) {
-  const Folder folder;
+  const TemporaryFolder folder;
   folder.write("a.ibs", bufferText);
   std::string pins = partText.substr(0, partText.find("2 VSS GND\n"));
   for (int i = 2; i < 1000; ++i) pins += std::to_string(i) + " net in\n";
@@ -148,7 +149,7 @@ TEST(Progress, ShowsCountRateAndCurrentFile) {
 }
 
 TEST(Progress, NeverWraps) {
-  const Folder folder;
+  const TemporaryFolder folder;
   folder.write("Größe.ibs", bufferText);
   folder.write("b.ibs", bufferText);
   EXPECT_THAT(shownOn(18, folder, {"Größe.ibs", "b.ibs"}),
@@ -156,7 +157,7 @@ TEST(Progress, NeverWraps) {
 }
 
 TEST(Progress, ShowsNoControlCharacters) {
-  const Folder folder;
+  const TemporaryFolder folder;
   folder.write("a\x1b[2J\n.ibs", bufferText);
   folder.write("b.ibs", bufferText);
   EXPECT_THAT(shownOn(80, folder, {"a\x1b[2J\n.ibs", "b.ibs"}),
@@ -164,13 +165,13 @@ TEST(Progress, ShowsNoControlCharacters) {
 }
 
 TEST(Progress, IsNotShownWithQuiet) {
-  const Folder folder;
+  const TemporaryFolder folder;
   folder.write("a.ibs", bufferText);
   EXPECT_EQ(shownOn(80, folder, {"a.ibs", "a.ibs", "-q"}), "");
 }
 
 TEST(Progress, IsNotShownForOneFile) {
-  const Folder folder;
+  const TemporaryFolder folder;
   folder.write("a.ibs", bufferText);
   EXPECT_EQ(shownOn(80, folder, {"a.ibs", "-j", "2"}), "");
 }

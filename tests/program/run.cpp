@@ -5,10 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 
 namespace ibis::testing {
@@ -75,7 +72,7 @@ class UnreadPipe {
 }  // namespace
 
 Outcome run(const std::vector<std::string>& words, const Streams& streams) {
-  const Folder folder;
+  const TemporaryFolder folder;
   const UnreadPipe unread;
   const std::string output = streams.output.empty() ? folder.file("out") : streams.output;
   FileActions actions;
@@ -90,36 +87,9 @@ Outcome run(const std::vector<std::string>& words, const Streams& streams) {
   actions.enter(streams.folder);
   Outcome result;
   result.status = spawn(streams.program, words, actions);
-  if (streams.output.empty()) result.out = readFile(output);
-  if (streams.error.empty()) result.err = readFile(error);
+  if (streams.output.empty() && !streams.outputHasNoReader) result.out = readWholeFile(output);
+  if (streams.error.empty()) result.err = readWholeFile(error);
   return result;
-}
-
-Folder::Folder() {
-  std::string pattern = (std::filesystem::temp_directory_path() / "ibis-load-XXXXXX").string();
-  if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("cannot make a folder");
-  path_ = pattern;
-}
-
-Folder::~Folder() { std::filesystem::remove_all(path_); }
-
-std::string Folder::write(const std::string& name, const std::string& text) const {
-  std::ofstream(file(name), std::ios::binary) << text;
-  return file(name);
-}
-
-std::vector<std::string> Folder::names() const {
-  std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(path_)) {
-    names.push_back(entry.path().filename().string());
-  }
-  std::ranges::sort(names);
-  return names;
-}
-
-std::string readFile(const std::string& name) {
-  std::ifstream file(name, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
 }  // namespace ibis::testing

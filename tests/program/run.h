@@ -1,8 +1,9 @@
 #pragma once
 
-#include <filesystem>
 #include <string>
 #include <vector>
+
+#include "harness/temporary_folder.h"
 
 namespace ibis::testing {
 
@@ -25,28 +26,5 @@ struct Streams {
 
 /// Runs the program with these words behind its name.
 Outcome run(const std::vector<std::string>& words, const Streams& streams = {});
-
-/// A folder of its own that goes away with the object.
-class Folder {
- public:
-  Folder();
-  ~Folder();
-  Folder(const Folder&) = delete;
-  Folder& operator=(const Folder&) = delete;
-
-  const std::string& path() const { return path_; }
-  std::string file(const std::string& name) const { return path_ + '/' + name; }
-
-  /// Writes a file and gives its whole name.
-  std::string write(const std::string& name, const std::string& text) const;
-
-  /// The names of all entries, sorted.
-  std::vector<std::string> names() const;
-
- private:
-  std::string path_;
-};
-
-std::string readFile(const std::string& name);
 
 }  // namespace ibis::testing

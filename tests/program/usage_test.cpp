@@ -73,7 +73,7 @@ TEST(Usage, AFileMayBeCalledLikeACommand) {
 }
 
 TEST(Usage, ThePinsNameMayBeginWithADash) {
-  const Folder folder;
+  const TemporaryFolder folder;
   const Outcome result = run({"convert", folder.write("buffer.ibs", bufferText), "-p=-1", "-q",
                               "-m", "package", "-o", folder.path()});
   EXPECT_EQ(result.status, 0);
@@ -81,7 +81,7 @@ TEST(Usage, ThePinsNameMayBeginWithADash) {
 }
 
 TEST(Usage, ShortAndLongNamesMeanTheSame) {
-  const Folder folder;
+  const TemporaryFolder folder;
   const std::string source = folder.write("warning.ibs", warningText);
   const Outcome brief = run({"convert", source, "-m", "package", "-c", "BUF-1", "-o", folder.path(),
                              "-s", "dut", "-p", "1", "-q"});
@@ -119,26 +119,26 @@ Examples:
 TEST(Usage, TheHelpOfConvertTellsOfEachOptionModeAndStatus) {
   const Outcome result = run({"convert", "--help"});
   EXPECT_EQ(result.status, 0);
-  for (const std::string text : {"Usage: ibis-load convert [OPTIONS] FILE...\n",
-                                 "\n  -j,--jobs N=1 ",
-                                 "\n  -m,--mode MODE",
-                                 "\n  -c,--component ",
-                                 "\n  -o,--output DIR=.",
-                                 "\n  -s,--subcircuit SUBCKT ",
-                                 "\n  -p,--pin PIN ...",
-                                 "\n  --select DESCRIPTION ...",
-                                 "\n  --json ",
-                                 "\n  -q,--quiet ",
-                                 "\n  --werror ",
-                                 "\n  model    SUBCKT.lb",
-                                 "\n           SUBCKT_INFO.html",
-                                 "\n  package  SUBCKT.lb",
-                                 "\n  script   ibis_components.kvscr",
-                                 "\n           it needs no COMPONENT",
-                                 "\n  symbol   nothing",
-                                 "\nMany files: several FILEs, or a folder",
-                                 "\nExit status: 0 files written",
-                                 "\nExamples:\n"}) {
+  for (const std::string text :
+       {"Usage: ibis-load convert [OPTIONS] FILE...\n", "\n  -j,--jobs N=1 ", "\n  -m,--mode MODE",
+        "\n  -c,--component ", "\n  -o,--output DIR=.", "\n  -s,--subcircuit SUBCKT ",
+        "\n  -p,--pin PIN ...", "\n  --select DESCRIPTION ...", "\n  --json ", "\n  -q,--quiet ",
+        "\n  --werror ",
+        "\nModes, and what each writes into DIR:\n"
+        "  model    SUBCKT.lb, the SPICE library of the component and its "
+        "models, and\n"
+        "           SUBCKT_INFO.html, a page about them\n"
+        "  package  SUBCKT.lb, the SPICE library of the component's "
+        "package alone\n"
+        "  script   ibis_components.kvscr, a host script about every "
+        "component of the\n"
+        "           file; it needs no COMPONENT, and with one leaves out "
+        "the pins of the\n"
+        "           others\n"
+        "  symbol   nothing; the file is read and checked, which ends "
+        "with status 1\n\n",
+        "\nMany files: several FILEs, or a folder", "\nExit status: 0 files written",
+        "\nExamples:\n"}) {
     EXPECT_THAT(result.out, HasSubstr(text));
   }
 }

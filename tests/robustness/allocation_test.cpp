@@ -1,4 +1,4 @@
-#include "robustness/counted_memory.h"
+#include "harness/counted_memory.h"
 #include "robustness/load_call.h"
 
 namespace ibis::testing {
@@ -41,7 +41,10 @@ class AllocationFaults : public ::testing::TestWithParam<const char*> {
             .selections = {"by\\schoice"}};
   }
 
-  Call callFailing(Source source, Duration duration, std::uint64_t successes) const {
+  // The files that stand there before the call; what it leaves of them is gone behind it.
+  Call callFailing(Source source, Duration duration, std::uint64_t successes,
+                   const Files& earlier = {}) const {
+    for (const auto& [name, text] : earlier) output_.write(name, text);
     Call call;
     const std::ptrdiff_t filesBefore = openFiles();
     const std::int64_t before = memoryUse().live;
@@ -62,16 +65,20 @@ class AllocationFaults : public ::testing::TestWithParam<const char*> {
     call.leaked = memoryUse().live - before - copied;
     call.filesLeftOpen = openFiles() - filesBefore;
     call.files = output_.contents();
-    for (const auto& [name, text] : call.files) std::filesystem::remove(output_.file(name));
+    for (const std::string& name : output_.names()) {
+      EXPECT_FALSE(name.ends_with(".part")) << name;
+      std::filesystem::remove(output_.file(name));
+    }
     return call;
   }
 
   // Makes the call with each allocation failing in turn and gives how many there are.
   template <class Check>
-  std::uint64_t failInTurn(Source source, Duration duration, Check check) const {
+  std::uint64_t failInTurn(Source source, Duration duration, Check check,
+                           const Files& earlier = {}) const {
     std::uint64_t successes = 0;
     for (;; ++successes) {
-      const Call call = callFailing(source, duration, successes);
+      const Call call = callFailing(source, duration, successes, earlier);
       if (!call.memoryFailed) return successes;
       SCOPED_TRACE("allocation " + std::to_string(successes));
       EXPECT_EQ(call.finishCalls, 1);
@@ -92,26 +99,27 @@ bool isResult(const Texts& strings) {
          strings.size() == 4 + std::stoul(strings[2]) + std::stoul(strings[3]);
 }
 
-bool isCutFile(const std::string& text) { return text.starts_with("Cannot write output file '"); }
+bool isUnwritten(const std::string& text) { return text.starts_with("Cannot write output file '"); }
 
 // Whether the array tells of the failure behind what was found until then, in the order of `whole`,
-// and behind at most one file that is cut.
+// and behind at most one file that was given up.
 void expectFailure(const Texts& strings, const Texts& whole) {
   ASSERT_TRUE(isResult(strings));
   ASSERT_GE(strings.size(), 5u);
   EXPECT_EQ(strings[0], "2");
   EXPECT_EQ(strings.back(), failed);
-  const std::size_t errors = isCutFile(strings.end()[-2]) ? 2 : 1;
+  const std::size_t errors = isUnwritten(strings.end()[-2]) ? 2 : 1;
   EXPECT_EQ(strings[3], std::to_string(errors));
   const std::size_t warnings = strings.size() - 4 - errors;
   ASSERT_LE(4 + warnings, whole.size());
   for (std::size_t i = 4; i < 4 + warnings; ++i) EXPECT_EQ(strings[i], whole[i]);
 }
 
-void expectStartsOfFiles(const Files& files, const Files& whole) {
+// No file is there but those of a load without faults, each whole.
+void expectWholeFiles(const Files& files, const Files& whole) {
   for (const auto& [name, text] : files) {
     ASSERT_TRUE(whole.contains(name)) << name;
-    EXPECT_TRUE(whole.at(name).starts_with(text)) << name;
+    EXPECT_EQ(text, whole.at(name)) << name;
   }
 }
 
@@ -123,7 +131,7 @@ TEST_P(AllocationFaults, GiveAWholeResultWithStatus2) {
         // What can do without the memory does, and nobody sees a difference.
         if (call.strings == whole.strings && call.files == whole.files) return;
         expectFailure(call.strings, whole.strings);
-        expectStartsOfFiles(call.files, whole.files);
+        expectWholeFiles(call.files, whole.files);
       });
   EXPECT_GT(count, 100u);
 }
@@ -133,21 +141,32 @@ TEST_P(AllocationFaults, GiveNoStringsIfMemoryNeverComesBack) {
   const std::uint64_t count =
       failInTurn(Source::operatorNew, Duration::forEver, [&](const Call& call) {
         EXPECT_EQ(call.strings, Texts());
-        expectStartsOfFiles(call.files, whole.files);
+        expectWholeFiles(call.files, whole.files);
       });
   EXPECT_GT(count, 100u);
 }
 
-// A file that was there before is lost, so its reader must hear that this one is cut.
-TEST_P(AllocationFaults, NameTheFileThatIsCut) {
+// Each earlier file stays as it was or is replaced by a whole one, and a good status says by which.
+TEST_P(AllocationFaults, LeaveEachFileOldOrNew) {
   const Call whole = callFailing(Source::operatorNew, Duration::once, 1'000'000);
-  failInTurn(Source::operatorNew, Duration::once, [&](const Call& call) {
-    for (const auto& [name, text] : call.files) {
-      if (text == whole.files.at(name)) continue;
-      const std::string told = "Cannot write output file '" + request().rootDirectory + "/" + name;
-      EXPECT_EQ(std::ranges::count(call.strings, told + "'\n"), 1) << text.size();
-    }
-  });
+  Files earlier;
+  for (const auto& [name, text] : whole.files) earlier[name] = "earlier " + name;
+  for (const Duration duration : {Duration::once, Duration::forEver}) {
+    std::size_t oldOnes = 0;
+    failInTurn(
+        Source::operatorNew, duration,
+        [&](const Call& call) {
+          ASSERT_EQ(call.files.size(), whole.files.size());
+          for (const auto& [name, text] : call.files) {
+            if (text == whole.files.at(name)) continue;
+            ++oldOnes;
+            EXPECT_EQ(text, earlier.at(name));
+            EXPECT_TRUE(call.strings.empty() || call.strings[0] == "2");
+          }
+        },
+        earlier);
+    EXPECT_EQ(oldOnes > 0, !whole.files.empty());
+  }
 }
 
 // The C library's own allocations fail too: those of its streams, and of the host's strings.
@@ -161,13 +180,20 @@ TEST_P(AllocationFaults, OfTheCLibraryGiveAWholeResultOrNone) {
   }
 }
 
-// A stream that cannot be made counts as a file that cannot be opened, which nobody is told of.
-TEST_P(AllocationFaults, OfTheCLibraryLeaveNoCutFileBehindAGoodStatus) {
+TEST_P(AllocationFaults, OfTheCLibraryLeaveWholeFilesAlone) {
   if (!canFailMalloc()) GTEST_SKIP() << "malloc is the sanitizer's";
   const Call whole = callFailing(Source::malloc, Duration::once, 1'000'000);
   failInTurn(Source::malloc, Duration::once, [&](const Call& call) {
-    if (call.strings[0] == "2") return;
-    EXPECT_TRUE(call.files.empty() || call.files == whole.files);
+    for (const auto& [name, text] : call.files) {
+      ASSERT_TRUE(whole.files.contains(name)) << name;
+      if (text == whole.files.at(name)) continue;
+      // The file that is open goes on where the next one cannot be opened, which is told.
+      EXPECT_TRUE(text.starts_with(whole.files.at(name))) << name;
+      const std::string page = request().rootDirectory + "/dut_INFO.html";
+      EXPECT_EQ(std::ranges::count(call.strings, "Cannot open output file '" + page + "'\n"), 1);
+    }
+    // A source that cannot be opened is passed over, and nobody is told.
+    EXPECT_TRUE(call.strings[0] == "2" || call.files.empty() || call.files == whole.files);
   });
 }
 

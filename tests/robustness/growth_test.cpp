@@ -1,4 +1,4 @@
-#include "robustness/counted_memory.h"
+#include "harness/counted_memory.h"
 #include "robustness/load_call.h"
 
 namespace ibis::testing {

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "harness/fake_host.h"
 #include "harness/harness.h"
-#include "host/fake_host.h"
 
 namespace ibis::testing {
 

@@ -8,7 +8,7 @@
 #include <thread>
 #include <type_traits>
 
-#include "host/fake_host.h"
+#include "harness/fake_host.h"
 
 namespace ibis::testing {
 namespace {

@@ -142,6 +142,50 @@ TEST(LoadFile, RefusesAFileWhoseSizeItCannotCount) {
   expectRefused(folder.file("big"));
 }
 
+// Opens a file that went away since it was looked at.
+int openVanished(std::FILE** file, const char* name, const char* mode) {
+  std::filesystem::remove(name);
+  return openFile(file, name, mode);
+}
+
+int openAsFolder(std::FILE** file, const char* name, const char* mode) {
+  std::filesystem::remove(name);
+  std::filesystem::create_directory(name);
+  return openFile(file, name, mode);
+}
+
+int openAndRemove(std::FILE** file, const char* name, const char* mode) {
+  const int fault = openFile(file, name, mode);
+  std::filesystem::remove(name);
+  return fault;
+}
+
+// Gives fewer bytes than the file's size.
+int openBehindItsStart(std::FILE** file, const char* name, const char* mode) {
+  const int fault = openFile(file, name, mode);
+  if (fault == 0) std::fseek(*file, 1, SEEK_SET);
+  return fault;
+}
+
+TEST(LoadFile, RefusesAFileThatChangesWhileItIsOpened) {
+  for (const OpenFunction opener : {openVanished, openAsFolder, openBehindItsStart}) {
+    const TemporaryFolder folder;
+    writeWholeFile(folder.file("a.ibs"), "abc");
+    TextBuffer buffer("earlier");
+    EXPECT_FALSE(buffer.loadFile(folder.file("a.ibs"), opener));
+    EXPECT_TRUE(buffer.empty());
+  }
+}
+
+TEST(LoadFile, TakesAFileThatIsRemovedWhileItIsOpen) {
+  const TemporaryFolder folder;
+  writeWholeFile(folder.file("a.ibs"), "abc");
+  TextBuffer buffer;
+  EXPECT_TRUE(buffer.loadFile(folder.file("a.ibs"), openAndRemove));
+  EXPECT_EQ(buffer.text(), "abc");
+  EXPECT_EQ(folder.names(), Texts());
+}
+
 // The kernel gives such files a size of one page and far fewer bytes.
 TEST(LoadFile, RefusesAFileThatYieldsFewerBytesThanItsSize) {
   const std::string name = "/sys/devices/system/cpu/online";

@@ -1,0 +1,224 @@
+// Each message of the program's own table, as its parts tell it.
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "conversion.h"
+#include "conversion_queue.h"
+#include "harness/counted_memory.h"
+#include "harness/harness.h"
+#include "messages.h"
+#include "program/texts.h"
+#include "source_list.h"
+
+namespace ibis::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+using cli::Conversion;
+using cli::ConversionRequest;
+using Diagnostics = std::vector<Diagnostic>;
+
+class ProgramMessages : public ::testing::Test {
+ protected:
+  // What keeps a text from being converted.
+  Diagnostics errorsOf(const std::string& text, ConversionRequest request = {}) const {
+    request.source = folder_.write("part.ibs", text);
+    return errorsOf(request);
+  }
+
+  Diagnostics errorsOf(ConversionRequest request) const {
+    if (request.mode.empty()) request.mode = "package";
+    if (request.folder.empty()) request.folder = folder_.path();
+    const Conversion conversion = cli::convert(request);
+    EXPECT_MESSAGES(conversion.warnings);
+    EXPECT_EQ(conversion.files, Texts());
+    return conversion.errors;
+  }
+
+  Diagnostics errorsOfSource(const std::string& name) const {
+    ConversionRequest request;
+    request.source = name;
+    return errorsOf(request);
+  }
+
+  Diagnostics warningsOf(const std::string& text) const {
+    ConversionRequest request;
+    request.source = folder_.write("part.ibs", text);
+    request.mode = "model";
+    request.folder = folder_.path();
+    request.subcircuit = "dut";
+    const Conversion conversion = cli::convert(request);
+    EXPECT_MESSAGES(conversion.errors);
+    EXPECT_EQ(conversion.files, Texts({folder_.file("dut.lb"), folder_.file("dut_INFO.html")}));
+    return conversion.warnings;
+  }
+
+  // The faults that the search of the folder tells.
+  Diagnostics faultsOfSearch() const {
+    Diagnostics faults;
+    for (const cli::Source& source : cli::listSources({folder_.path()}, "out")) {
+      if (source.fault) faults.push_back(*source.fault);
+    }
+    return faults;
+  }
+
+  TemporaryFolder folder_;
+};
+
+TEST_F(ProgramMessages, HaveIdsOfTheirOwn) {
+  std::set<std::string> ids;
+  for (const MessageRow& row : cli::messageTable()) {
+    EXPECT_TRUE(ids.emplace(row.id.view()).second) << row.id.view();
+  }
+  for (const MessageRow& row : messageTable()) {
+    EXPECT_FALSE(ids.contains(std::string(row.id.view()))) << row.id.view();
+  }
+}
+
+TEST_F(ProgramMessages, CarryTheirIdAndSeverity) {
+  for (const Severity severity : {Severity::warning, Severity::error}) {
+    const Diagnostic told = cli::tell(severity, cli::message::noComponent);
+    EXPECT_EQ(told.id, "no-component");
+    EXPECT_EQ(told.severity, severity);
+    EXPECT_EQ(told.line, 0);
+    EXPECT_EQ(told.text, "The file has no component");
+  }
+}
+
+TEST_F(ProgramMessages, TellOfASourceThatIsNoFile) {
+  EXPECT_MESSAGES(errorsOfSource("/dev/null"), "Not a regular file");
+}
+
+TEST_F(ProgramMessages, TellOfASourceThatIsMissing) {
+  EXPECT_MESSAGES(errorsOfSource(folder_.file("none")),
+                  "Cannot open the file: No such file or directory");
+}
+
+TEST_F(ProgramMessages, TellOfASourceThatIsTooLarge) {
+  const std::string source = folder_.write("large.ibs", "");
+  fs::resize_file(source, 0x7fffffff);
+  EXPECT_MESSAGES(errorsOfSource(source), "The file is too large");
+}
+
+// The kernel gives such files a size of one page and far fewer bytes.
+TEST_F(ProgramMessages, TellOfASourceThatCannotBeReadWhole) {
+  const std::string name = "/sys/kernel/mm/transparent_hugepage/enabled";
+  if (!fs::exists(name)) GTEST_SKIP() << name << " is not here";
+  EXPECT_MESSAGES(errorsOfSource(name), "Cannot read the whole file");
+}
+
+TEST_F(ProgramMessages, TellOfAFolderWithoutFiles) {
+  EXPECT_MESSAGES(faultsOfSearch(), "Nothing to convert: no file ends in .ibs");
+}
+
+// A path beyond the system's limit.
+TEST_F(ProgramMessages, TellOfAFolderThatCannotBeReached) {
+  const std::string part(250, 'd');
+  int folder = open(folder_.path().c_str(), O_DIRECTORY | O_CLOEXEC);
+  for (std::size_t size = folder_.path().size(); size < 4096; size += part.size() + 1) {
+    ASSERT_EQ(mkdirat(folder, part.c_str(), 0700), 0);
+    const int inside = openat(folder, part.c_str(), O_DIRECTORY | O_CLOEXEC);
+    close(folder);
+    folder = inside;
+  }
+  close(folder);
+  EXPECT_MESSAGES(faultsOfSearch(), "Cannot read the folder: File name too long");
+}
+
+TEST_F(ProgramMessages, TellOfAFolderThatCannotBeReadWhole) {
+  rlimit before{};
+  getrlimit(RLIMIT_NOFILE, &before);
+  rlimit none = before;
+  none.rlim_cur = 0;
+  setrlimit(RLIMIT_NOFILE, &none);
+  const Diagnostics faults = faultsOfSearch();
+  setrlimit(RLIMIT_NOFILE, &before);
+  EXPECT_MESSAGES(faults, "Cannot read the whole folder: Too many open files");
+}
+
+TEST_F(ProgramMessages, TellOfALinkToItself) {
+  fs::create_symlink("self", folder_.file("self"));
+  EXPECT_MESSAGES(faultsOfSearch(),
+                  "Cannot tell whether it is a folder: Too many levels of symbolic links");
+}
+
+TEST_F(ProgramMessages, TellOfALinkToAFolderAboveIt) {
+  fs::create_symlink(".", folder_.file("up"));
+  EXPECT_MESSAGES(faultsOfSearch(), "The link leads back to a folder above it and is not followed");
+}
+
+TEST_F(ProgramMessages, TellOfAFileWithoutAComponent) {
+  EXPECT_MESSAGES(errorsOf("[IBIS Ver] 4.2\n"), "The file has no component");
+}
+
+TEST_F(ProgramMessages, TellOfAModeThatWritesNothing) {
+  ConversionRequest request;
+  request.mode = "Symbol";
+  EXPECT_MESSAGES(errorsOf(bufferText, request), "Mode 'symbol' writes nothing");
+}
+
+TEST_F(ProgramMessages, TellOfANameThatNoFileCanHave) {
+  EXPECT_MESSAGES(
+      errorsOf("[IBIS Ver] 4.2\n[Component] 50%\n[Pin] signal_name model_name\n1 A NC\n"),
+      "No file can be called by '50%'; name the subcircuit with -s");
+}
+
+TEST_F(ProgramMessages, TellOfAnOutputThatIsTheInput) {
+  ConversionRequest request;
+  request.source = folder_.write("dut.lb", bufferText);
+  request.subcircuit = "dut";
+  EXPECT_MESSAGES(errorsOf(request),
+                  "Output file '" + request.source + "' is the input file itself");
+}
+
+TEST_F(ProgramMessages, TellOfAFolderThatCannotBeMade) {
+  ConversionRequest request;
+  request.folder = "/dev/null/out";
+  EXPECT_MESSAGES(errorsOf(bufferText, request),
+                  "Cannot make folder '/dev/null/out': Not a directory");
+}
+
+TEST_F(ProgramMessages, TellOfAValueThatIsNotFinite) {
+  const Diagnostics warnings =
+      warningsOf(partText + receiverText + "[GND Clamp]\n-1 inf\n0 0\n[Voltage Range] 0\n");
+  EXPECT_MESSAGES(warnings, "Model 'in': a table or waveform value is not finite; '" +
+                                folder_.file("dut.lb") + R"(' holds "nan" or "inf")");
+  EXPECT_EQ(warnings.at(0).line, 14);
+}
+
+TEST_F(ProgramMessages, TellOfAWaveformThatWouldBeTooLong) {
+  const Diagnostics warnings =
+      warningsOf(partText +
+                 "[Model] in\nModel_type Output\n[Voltage Range] 4 4 4\n[Pulldown]\n-4 -32m\n"
+                 "8 64m\n[Pullup]\n-4 32m\n8 -64m\n[Ramp]\ndV/dt_r 1/1n 1/1n 1/1\n"
+                 "dV/dt_f 1/1n 1/1n 1/1n\n");
+  EXPECT_MESSAGES(
+      warnings,
+      "Model in: Estimated waveform as no waveform data in model file. Waveform may deviate "
+      "substantially from actual device",
+      "Model 'in': an estimated waveform would have more than 1000000 points and is empty");
+  EXPECT_EQ(warnings.at(1).line, 14);
+}
+
+// What ends the work on one file ends no other's.
+TEST_F(ProgramMessages, TellOfWhatEndedTheWorkOnAFile) {
+  ConversionRequest pattern;
+  pattern.mode = "package";
+  // Its escapes take twice the room, which is more than there is.
+  pattern.selections = {std::string(600'000, '\\')};
+  const std::vector<cli::Source> sources = {
+      {.name = folder_.write("a.ibs", bufferText), .folder = folder_.file("out"), .fault = {}},
+      {.name = "b", .folder = {}, .fault = cli::tell(Severity::error, cli::message::notRegular)}};
+  const NoLargeMemory memory(1'000'000);
+  cli::ConversionQueue queue(sources, pattern, 1);
+  constexpr std::chrono::seconds longest{60};
+  EXPECT_MESSAGES(queue.take(longest).value().errors, "std::bad_alloc");
+  EXPECT_MESSAGES(queue.take(longest).value().errors, "Not a regular file");
+}
+
+}  // namespace
+}  // namespace ibis::testing
