@@ -14,7 +14,7 @@ namespace {
 constexpr int fullPrecision = 17;
 
 std::string printed(double value, int digits) {
-  char text[longestNumberText + 1];
+  char text[maxNumberText + 1];
   const int length = std::snprintf(text, sizeof text, "%.*g", digits, value);
   REQUIRE(length > 0 && static_cast<std::size_t>(length) < sizeof text);
   return std::isnan(value) ? "nan" : text;

@@ -14,7 +14,7 @@ namespace {
 
 void checkNetlist(const IBISPackageModel& model) {
   std::vector<std::string_view> nodes;
-  for (std::int32_t i = 0; i < model.pinNames.size(); ++i) nodes.push_back(model.pinNames.name(i));
+  for (const IBISString name : model.pinNames) nodes.push_back(name);
   const std::string netlist = buildPackageNetlist(model, nodes, model.name);
   REQUIRE(std::ranges::count(netlist, '\n') == 3 * std::max(model.numberOfPins, 0) + 1);
   REQUIRE(netlist == buildPackageNetlist(model, nodes, model.name));

@@ -1,6 +1,7 @@
 // A text scanned and read in the smallest pieces, against the same at once.
 
 #include "fuzz.h"
+#include "message_texts.h"
 #include "reader/file/parser.h"
 
 namespace ibis::fuzz {
@@ -27,8 +28,8 @@ void checkReading(std::string_view text, IBISRecords whole) {
   IBISFile inPieces;
   IBISScanner scanner(text, 1);
   parseFile(inPieces, scanner);
-  REQUIRE(inPieces.data().errors == atOnce.data().errors);
-  REQUIRE(inPieces.data().warnings == atOnce.data().warnings);
+  REQUIRE(messageTexts(inPieces.data().errors) == messageTexts(atOnce.data().errors));
+  REQUIRE(messageTexts(inPieces.data().warnings) == messageTexts(atOnce.data().warnings));
   REQUIRE(inPieces.data().components.size() == atOnce.data().components.size());
   REQUIRE(inPieces.data().models.size() == atOnce.data().models.size());
   REQUIRE(inPieces.data().packageModels.size() == atOnce.data().packageModels.size());

@@ -3,7 +3,8 @@
 #include <utility>
 
 #include "fuzz.h"
-#include "memory_disk.h"
+#include "fuzz_sink.h"
+#include "message_texts.h"
 #include "output/template_engine.h"
 #include "small_file.h"
 
@@ -13,15 +14,14 @@ namespace {
 // Errors and output files. The text stands behind a line that opens a file, so that its first words
 // are written, too.
 auto expand(std::string_view text, const IBISFile& file, const IBISComponent* component) {
-  memoryDisk() = {};
+  FuzzSink sink;
   IBISFile messages;
-  TemplateEngine engine(file.data(), component, "root", messages);
+  TemplateEngine engine(file.data(), component, "root", messages, sink);
   TextBuffer buffer("%file% first\n" + std::string(text));
   REQUIRE(engine.expand(buffer));
-  engine.closeOutputFile();
-  REQUIRE(memoryDisk().holds(engine.generatedFiles()));
-  REQUIRE(messages.hasErrors() || !memoryDisk().hasFailed);
-  return std::pair(messages.data().errors, memoryDisk().files);
+  engine.finish();
+  REQUIRE(sink.agreesWith(engine.generatedFiles(), messages.hasErrors()));
+  return std::pair(messageTexts(messages.data().errors), sink.files());
 }
 
 }  // namespace

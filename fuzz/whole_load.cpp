@@ -7,32 +7,36 @@
 
 #include "call_line.h"
 #include "fuzz.h"
+#include "fuzz_sink.h"
+#include "harness/temporary_folder.h"
 #include "host/load_sequence.h"
 #include "large_output.h"
-#include "memory_disk.h"
+#include "message_texts.h"
 
 namespace ibis::fuzz {
 namespace {
 
 // Line numbers are all that blank lines may change.
-Strings withoutDigits(Strings texts) {
+Strings withoutDigits(const std::vector<Diagnostic>& diagnostics) {
+  Strings texts = messageTexts(diagnostics);
   for (std::string& text : texts) std::erase_if(text, [](char c) { return c >= '0' && c <= '9'; });
   return texts;
 }
 
 // Errors, warnings, output files.
 auto load(LoadRequest request, std::string_view text) {
-  memoryDisk() = {};
-  request.source = inputFile(text);
+  static const testing::TemporaryFolder folder;
+  request.source = folder.write("input.ibs", text);
   Load load(std::move(request));
   load.read();
   REQUIRE(load.sourceWasRead());
   const bool mayWrite = !load.file().hasErrors();
-  REQUIRE(memoryDisk().holds(load.write()));
-  REQUIRE(mayWrite || memoryDisk().files.empty());
-  REQUIRE(load.file().hasErrors() || !memoryDisk().hasFailed);
+  FuzzSink sink;
+  const Strings names = load.write(sink);
+  REQUIRE(sink.agreesWith(names, load.file().hasErrors()));
+  REQUIRE(mayWrite || names.empty());
   const IBISFileData& data = load.file().data();
-  return std::tuple(withoutDigits(data.errors), withoutDigits(data.warnings), memoryDisk().files);
+  return std::tuple(withoutDigits(data.errors), withoutDigits(data.warnings), sink.files());
 }
 
 }  // namespace
