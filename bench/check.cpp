@@ -4,6 +4,8 @@
 #include <fstream>
 #include <iterator>
 
+#include "model/estimate_waveforms.h"
+
 namespace ibis::bench {
 namespace {
 
@@ -49,7 +51,10 @@ std::size_t tableRows(const IBISModel& model) {
 std::size_t waveformRows(const IBISModel& model) {
   std::size_t rows = 0;
   for (const auto* list : {&model.risingWaveforms, &model.fallingWaveforms}) {
-    for (const IBISWaveform& each : *list) rows += static_cast<std::size_t>(each.time.size());
+    for (const IBISWaveform& each : *list) {
+      const YVector<double> times = each.estimate ? estimatedTimes(*each.estimate) : each.time;
+      rows += static_cast<std::size_t>(times.size());
+    }
   }
   return rows;
 }

@@ -7,14 +7,14 @@
 #include <benchmark/benchmark.h>
 
 #include <filesystem>
-#include <fstream>
 #include <memory>
-#include <stdexcept>
 
 #include "allocation_counter.h"
 #include "check.h"
+#include "harness/temporary_folder.h"
 #include "model/estimate_waveforms.h"
 #include "output/embedded_templates.h"
+#include "output/stream/file_sink.h"
 #include "output/template_engine.h"
 #include "reader/file/parser.h"
 
@@ -29,26 +29,8 @@ constexpr const char* subcircuit = "generated";
 bool anyFault = false;
 
 // A folder of the process for its input and output files.
-class Folder {
- public:
-  Folder() : path_(fs::temp_directory_path() / "ibis_bench_XXXXXX") {
-    std::string name = path_;
-    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
-    path_ = name;
-  }
-  ~Folder() { fs::remove_all(path_); }
-  Folder(const Folder&) = delete;
-  Folder& operator=(const Folder&) = delete;
-
-  std::string file(const std::string& name) const { return path_ / name; }
-  std::string path() const { return path_; }
-
- private:
-  fs::path path_;
-};
-
-const Folder& folder() {
-  static const Folder instance;
+const testing::TemporaryFolder& folder() {
+  static const testing::TemporaryFolder instance;
   return instance;
 }
 
@@ -62,7 +44,7 @@ const GeneratedFile& generated(const Kind& kind, Amount amount) {
   file = generate(kind, amount);
   lastKind = &kind;
   last = amount;
-  std::ofstream(folder().file("input.ibs"), std::ios::binary) << file.text;
+  folder().write("input.ibs", file.text);
   return file;
 }
 
@@ -225,7 +207,8 @@ void expand(benchmark::State& state, const Kind& kind, Amount amount, std::strin
   parsed.resolve();
   const IBISFileData& data = parsed.file->data();
   const auto run = [&] {
-    TemplateEngine engine(data, data.components[0].get(), folder().path(), *parsed.file);
+    FileSink sink;
+    TemplateEngine engine(data, data.components[0].get(), folder().path(), *parsed.file, sink);
     TextBuffer text;
     if (loadEmbedded(text, name)) engine.expand(text);
   };
