@@ -99,8 +99,20 @@ TEST(EntryOrder, PutsPairsAheadOfSinglesEachSortedAmongThemselves) {
 
 TEST(EntryOrder, KeepsTheOrderOfNamesThatAreNeitherLessNorEqual) {
   EXPECT_EQ(sorted({"1", "007", "7", "07"}), (Texts{"1", "007", "7", "07"}));
-  EXPECT_EQ(sorted({"0", "", "00"}), (Texts{"0", "", "00"}));
-  EXPECT_EQ(sorted({"", "00", "0"}), (Texts{"", "00", "0"}));
+}
+
+// No name counts as 0, and none of the three is less than another.
+TEST(EntryOrder, KeepsTheOrderOfNoNameAndTheNamesOfZeroInEveryPermutation) {
+  Texts names = {"", "0", "00", "1", "2"};
+  int permutations = 0;
+  do {
+    Texts expected = names;
+    std::erase_if(expected, [](const std::string& name) { return name == "1" || name == "2"; });
+    expected.insert(expected.end(), {"1", "2"});
+    EXPECT_EQ(sorted(names), expected);
+    ++permutations;
+  } while (std::ranges::next_permutation(names).found);
+  EXPECT_EQ(permutations, 120);
 }
 
 // 9 < 10 by value, 10 < 1A and 1A < 9 by bytes: only the way of merging decides.

@@ -37,8 +37,9 @@ void* take(std::size_t size) {
 
 void* takeOrThrow(std::size_t size) {
   void* const block = take(size);
-  if (block == nullptr) throw std::bad_alloc();
-  return block;
+  if (block != nullptr) return block;
+  if (failing != nullptr && failing->hasFailed()) failing->raise();
+  throw std::bad_alloc();
 }
 
 void giveBack(void* block) {
@@ -50,9 +51,15 @@ void giveBack(void* block) {
 
 MemoryUse memoryUse() { return use; }
 
-FailingMemory::FailingMemory(Source source, Duration duration, std::uint64_t successes)
-    : source_(source), duration_(duration), successes_(successes) {
+FailingMemory::FailingMemory(Source source, Duration duration, std::uint64_t successes,
+                             Thrown thrown)
+    : source_(source), duration_(duration), thrown_(thrown), successes_(successes) {
   failing = this;
+}
+
+void FailingMemory::raise() const {
+  if (thrown_ == Thrown::number) throw 7;
+  throw std::bad_alloc();
 }
 
 FailingMemory::~FailingMemory() { failing = nullptr; }

@@ -24,8 +24,12 @@ class FailingMemory {
   enum class Source { operatorNew, malloc };
   enum class Duration { once, forEver };
 
+  /// What a failing `operator new` throws: std::bad_alloc, or what is no std::exception.
+  enum class Thrown { badAlloc, number };
+
   /// Lets `successes` allocations pass before the first failure.
-  FailingMemory(Source source, Duration duration, std::uint64_t successes);
+  FailingMemory(Source source, Duration duration, std::uint64_t successes,
+                Thrown thrown = Thrown::badAlloc);
   ~FailingMemory();
   FailingMemory(const FailingMemory&) = delete;
   FailingMemory& operator=(const FailingMemory&) = delete;
@@ -36,9 +40,13 @@ class FailingMemory {
   /// Counts one allocation; true for one that is to fail.
   bool fails(Source source);
 
+  /// What stands for the memory that is not given.
+  [[noreturn]] void raise() const;
+
  private:
   Source source_;
   Duration duration_;
+  Thrown thrown_;
   std::uint64_t successes_;
   std::uint64_t failures_ = 0;
 };

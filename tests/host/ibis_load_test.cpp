@@ -363,6 +363,8 @@ TEST(IbisLoad, TurnsAnExceptionIntoAResult) {
       {"Load failed: boom", [] { throw std::runtime_error("boom"); }},
       {"Load failed: std::bad_alloc", [] { throw std::bad_alloc(); }},
       {"Load failed: too long", [] { throw std::length_error("too long"); }},
+      {"Load failed: unknown exception", [] { throw 7; }},
+      {"Load failed: unknown exception", [] { throw "text"; }},
   };
   for (const Fault& fault : faults) {
     const Handler handler(new MessageHandler);

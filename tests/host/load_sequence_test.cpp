@@ -324,6 +324,53 @@ TEST(Load, NamesFilesByNothingWithoutASubcircuitName) {
   EXPECT_EQ(loaded.written, Texts({".lb", "_INFO.html"}));
 }
 
+TEST(Load, ReadsOnce) {
+  Loading loading(fileOf(component() + "[Diff Pin] inv_pin\n1 9\n"),
+                  {.mode = "netlist", .selections = {"none"}});
+  const Texts errors = loading.errors();
+  EXPECT_MESSAGES(loading.errors(), "Model selector 'none' not found in IBIS file",
+                  "Line 8: Inverting [Diff Pin] '9' is not defined", "Unknown output mode");
+  const Texts pins = pinsOf(*loading.component(0));
+  const IBISComponent* const before = loading.component(0);
+  fs::remove(loading.input.file("input.ibs"));
+  loading.load.read();
+  EXPECT_EQ(loading.errors(), errors);
+  EXPECT_MESSAGES(loading.data().warnings);
+  EXPECT_EQ(loading.data().components.size(), 1U);
+  EXPECT_EQ(loading.component(0), before);
+  EXPECT_EQ(pinsOf(*loading.component(0)), pins);
+  EXPECT_EQ(textsOf(loading.data().modelSelections), Texts({"none"}));
+  EXPECT_TRUE(loading.load.sourceWasRead());
+}
+
+// A sink whose targets throw what is no exception of the library.
+class ThrowingSink final : public Sink {
+ public:
+  std::unique_ptr<SinkTarget> open(const std::string&) override {
+    return std::make_unique<Target>();
+  }
+  bool keep(const std::string&) override { return ++kept > 0; }
+
+  int kept = 0;
+
+ private:
+  class Target final : public SinkTarget {
+   public:
+    bool write(std::string_view) override { throw 7; }
+    bool close() override { return true; }
+  };
+};
+
+// The end of the library is written as its file is closed, where the page is opened.
+TEST(Load, LetsAnyExceptionOfTheSinkPassAndTellsOfTheFile) {
+  Loading loading(fileOf(component()));
+  ThrowingSink sink;
+  EXPECT_THROW(loading.load.write(sink), int);
+  EXPECT_MESSAGES(loading.errors(),
+                  "Cannot write output file '" + loading.output.path() + "/dut.lb'\n");
+  EXPECT_EQ(sink.kept, 0);
+}
+
 TEST(Load, KeepsTheCanonicalPathOfTheSource) {
   const Loading loading(fileOf(component()));
   fs::create_symlink("input.ibs", loading.input.file("link.ibs"));

@@ -181,6 +181,61 @@ TEST(BuildTimePoints, EndAtOnceForAnEnormousRamp) {
   EXPECT_EQ(timePoints(1, true, triple(1e-300, 1e300, 1e300)), std::vector<double>());
 }
 
+// As many points as additions of the step make, but few beyond a million.
+std::int32_t countByAdding(bool noDelay, double shortest, double longest) {
+  const double factor = noDelay ? 0.0 : 1.6666666666666665;
+  const double step = shortest / 100.0;
+  const double end = step + longest * (factor + 1.9999999999999998);
+  std::int32_t count = shortest * factor > 0.0 ? 1 : 0;
+  for (double t = shortest * factor; t < end && count < 1'000'010; t += step) ++count;
+  return count;
+}
+
+IBISWaveform waveformOver(bool noDelay, const IBISTriple& rampTime) {
+  IBISWaveform waveform;
+  waveform.estimate = std::make_shared<IBISEstimate>();
+  waveform.estimate->noDelay = noDelay;
+  waveform.estimate->rampTime = rampTime;
+  return waveform;
+}
+
+// Around the limit in steps of less than a point, where sums of steps are off by some.
+TEST(HasTooManyPoints, IsExactNearTheLimit) {
+  int tooMany = 0;
+  int few = 0;
+  for (const bool noDelay : {true, false}) {
+    const double factor = noDelay ? 0.0 : 1.6666666666666665;
+    for (const double shortest : {100.0, 1e-9, 3.3e-12, 0.7, 1e-300}) {
+      for (int i = -12; i <= 12; ++i) {
+        const double steps = 1e6 + i / 4.0;
+        const double end = (steps - 1.0) * shortest / 100.0 + shortest * factor;
+        const double longest = end / (factor + 1.9999999999999998);
+        const std::int32_t count = countByAdding(noDelay, shortest, longest);
+        const IBISWaveform waveform = waveformOver(noDelay, triple(shortest, shortest, longest));
+        const bool isTooMany = count > 1'000'000;
+        ++(isTooMany ? tooMany : few);
+        EXPECT_EQ(hasTooManyPoints(waveform), isTooMany) << shortest << ' ' << i << ' ' << count;
+        const std::int32_t points = isTooMany ? (noDelay ? 0 : 1) : count;
+        EXPECT_EQ(estimatedTimes(*waveform.estimate).size(), points) << shortest << ' ' << i;
+      }
+    }
+  }
+  EXPECT_GT(tooMany, 50);
+  EXPECT_GT(few, 50);
+}
+
+TEST(HasTooManyPoints, IsFalseWhereThereAreNoSteps) {
+  EXPECT_FALSE(hasTooManyPoints(IBISWaveform()));
+  EXPECT_FALSE(hasTooManyPoints(waveformOver(true, triple(0, 0, 1))));
+  EXPECT_FALSE(hasTooManyPoints(waveformOver(true, triple(-1, 1, 1e9))));
+  EXPECT_FALSE(hasTooManyPoints(waveformOver(false, triple(notANumber, notANumber, notANumber))));
+}
+
+TEST(HasTooManyPoints, IsTrueForARampWithoutEnd) {
+  EXPECT_TRUE(hasTooManyPoints(waveformOver(true, triple(1, 1, infinity))));
+  EXPECT_TRUE(hasTooManyPoints(waveformOver(false, triple(1e-300, 1e300, 1e300))));
+}
+
 TEST(FillWaveform, BendsALineIntoBothLevels) {
   const EstimatedEdge edge{.duration = 3.0, .delay = 5.0, .vStart = 0.5, .vEnd = 3.0};
   const double full = 3.0 / 0.6000000000000001 * 1.2;

@@ -90,6 +90,33 @@ TEST(KeywordRegistry, KnowsEveryValueKeyword) {
   for (const ValueRow& row : valueRows) EXPECT_EQ(valueKeyword(row.name), row.handler) << row.name;
 }
 
+// The engine calls those that open no file with an open one alone; they need none.
+TEST(KeywordRegistry, HoldsValuesThatWriteNothingWithoutAnOpenFile) {
+  Parsed parsed(
+      "[IBIS Ver] 4.2\n[Notes] two\nlines\n[Component] C\n[Package Model] P\n"
+      "[Pin] signal_name model_name\n1 A NC\n"
+      "[Define Package Model] P\n[Number Of Pins] 1\n[Pin Numbers]\n1\n[End Package Model]\n");
+  parsed.resolve();
+  for (const IBISComponent* component : {static_cast<const IBISComponent*>(nullptr),
+                                         static_cast<const IBISComponent*>(&parsed.component())}) {
+    for (const ValueRow& row : valueRows) {
+      if (std::string_view(row.name) == "file") continue;
+      MemorySink sink;
+      Recorder told;
+      TemplateEngine engine(parsed.data(), component, "root", told, sink);
+      TextBuffer text("left alone");
+      const IBISString arguments[] = {row.name, "** "};
+      const bool dropsLineEnd = row.handler(engine, nullptr, {.pendingSpaces = 3}, text, arguments);
+      const bool isNetlist = std::string_view(row.name) == "buildpackagemodel";
+      EXPECT_EQ(dropsLineEnd, isNetlist || std::string_view(row.name) == "rootdir") << row.name;
+      engine.finish();
+      EXPECT_EQ(text.position(), 0) << row.name;
+      EXPECT_EQ(engine.generatedFiles(), Texts()) << row.name;
+      EXPECT_MESSAGES(told.errors);
+    }
+  }
+}
+
 TEST(KeywordRegistry, KnowsEveryConditionKeyword) {
   EXPECT_EQ(std::size(conditionRows), 2U);
   for (const ConditionRow& row : conditionRows) {

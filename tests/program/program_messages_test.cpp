@@ -10,6 +10,7 @@
 #include "harness/counted_memory.h"
 #include "harness/harness.h"
 #include "messages.h"
+#include "plugin.h"
 #include "program/texts.h"
 #include "source_list.h"
 
@@ -202,6 +203,29 @@ TEST_F(ProgramMessages, TellOfAWaveformThatWouldBeTooLong) {
       "substantially from actual device",
       "Model 'in': an estimated waveform would have more than 1000000 points and is empty");
   EXPECT_EQ(warnings.at(1).line, 14);
+}
+
+// The program's own place is told by a link, which may be closed to it.
+TEST(OwnPlugin, LiesBesideTheProgramThatTheLinkLeadsTo) {
+  const TemporaryFolder folder;
+  fs::create_symlink("/some/where/bin/ibis-load", folder.file("exe"));
+  EXPECT_EQ(cli::ownPluginPath(folder.file("exe")), "/some/where/lib/ibis_load.so");
+}
+
+TEST(OwnPlugin, IsRefusedWhereTheLinkCannotBeRead) {
+  const TemporaryFolder folder;
+  folder.write("exe", "no link");
+  const std::pair<std::string, std::string> cases[] = {
+      {folder.file("none"), "No such file or directory"}, {folder.file("exe"), "Invalid argument"}};
+  for (const auto& [link, reason] : cases) {
+    std::string told;
+    try {
+      cli::ownPluginPath(link);
+    } catch (const cli::PluginFault& fault) {
+      told = fault.what();
+    }
+    EXPECT_EQ(told, "cannot tell where the plug-in lies: " + reason + "; name it with --plugin");
+  }
 }
 
 // What ends the work on one file ends no other's.

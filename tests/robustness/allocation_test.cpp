@@ -43,7 +43,8 @@ class AllocationFaults : public ::testing::TestWithParam<const char*> {
 
   // The files that stand there before the call; what it leaves of them is gone behind it.
   Call callFailing(Source source, Duration duration, std::uint64_t successes,
-                   const Files& earlier = {}) const {
+                   const Files& earlier = {},
+                   FailingMemory::Thrown thrown = FailingMemory::Thrown::badAlloc) const {
     for (const auto& [name, text] : earlier) output_.write(name, text);
     Call call;
     const std::ptrdiff_t filesBefore = openFiles();
@@ -53,7 +54,7 @@ class AllocationFaults : public ::testing::TestWithParam<const char*> {
       const FakeArguments arguments = argumentsOf(request());
       FakeResult result;
       {
-        FailingMemory memory(source, duration, successes);
+        FailingMemory memory(source, duration, successes, thrown);
         EXPECT_EQ(callAsHost(loadFunction(), arguments, result), FUNC_ERROR::success);
         call.memoryFailed = memory.hasFailed();
       }
@@ -74,11 +75,11 @@ class AllocationFaults : public ::testing::TestWithParam<const char*> {
 
   // Makes the call with each allocation failing in turn and gives how many there are.
   template <class Check>
-  std::uint64_t failInTurn(Source source, Duration duration, Check check,
-                           const Files& earlier = {}) const {
+  std::uint64_t failInTurn(Source source, Duration duration, Check check, const Files& earlier = {},
+                           FailingMemory::Thrown thrown = FailingMemory::Thrown::badAlloc) const {
     std::uint64_t successes = 0;
     for (;; ++successes) {
-      const Call call = callFailing(source, duration, successes, earlier);
+      const Call call = callFailing(source, duration, successes, earlier, thrown);
       if (!call.memoryFailed) return successes;
       SCOPED_TRACE("allocation " + std::to_string(successes));
       EXPECT_EQ(call.finishCalls, 1);
@@ -103,11 +104,11 @@ bool isUnwritten(const std::string& text) { return text.starts_with("Cannot writ
 
 // Whether the array tells of the failure behind what was found until then, in the order of `whole`,
 // and behind at most one file that was given up.
-void expectFailure(const Texts& strings, const Texts& whole) {
+void expectFailure(const Texts& strings, const Texts& whole, const std::string& failure = failed) {
   ASSERT_TRUE(isResult(strings));
   ASSERT_GE(strings.size(), 5u);
   EXPECT_EQ(strings[0], "2");
-  EXPECT_EQ(strings.back(), failed);
+  EXPECT_EQ(strings.back(), failure);
   const std::size_t errors = isUnwritten(strings.end()[-2]) ? 2 : 1;
   EXPECT_EQ(strings[3], std::to_string(errors));
   const std::size_t warnings = strings.size() - 4 - errors;
@@ -134,6 +135,33 @@ TEST_P(AllocationFaults, GiveAWholeResultWithStatus2) {
         expectWholeFiles(call.files, whole.files);
       });
   EXPECT_GT(count, 100u);
+}
+
+// The root directory is told as soon as the arguments were taken, also where nothing else is.
+TEST_P(AllocationFaults, KeepTheRootDirectory) {
+  const std::string root = request().rootDirectory;
+  bool wasTaken = false;
+  const std::uint64_t count =
+      failInTurn(Source::operatorNew, Duration::once, [&](const Call& call) {
+        ASSERT_GE(call.strings.size(), 4u);
+        wasTaken = wasTaken || call.strings[1] == root;
+        const Texts untaken = {"2", "", "0", "1", failed};
+        EXPECT_TRUE(wasTaken ? call.strings[1] == root : call.strings == untaken);
+      });
+  EXPECT_GT(count, 100u);
+  EXPECT_TRUE(wasTaken);
+}
+
+TEST_P(AllocationFaults, OfAnyOtherTypeGiveAWholeResultToo) {
+  const Call whole = callFailing(Source::operatorNew, Duration::once, 1'000'000);
+  const auto check = [&](const Call& call) {
+    if (call.strings == whole.strings && call.files == whole.files) return;
+    expectFailure(call.strings, whole.strings, "Load failed: unknown exception");
+    expectWholeFiles(call.files, whole.files);
+  };
+  EXPECT_GT(
+      failInTurn(Source::operatorNew, Duration::once, check, {}, FailingMemory::Thrown::number),
+      100u);
 }
 
 TEST_P(AllocationFaults, GiveNoStringsIfMemoryNeverComesBack) {

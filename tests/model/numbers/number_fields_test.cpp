@@ -50,6 +50,22 @@ TEST(SplitFields, CutsAtEveryRunOfSeparators) {
   EXPECT_EQ(fieldsOf(" \t "), Texts{});
 }
 
+TEST(TakeField, TakesAnyNumberOfSeparators) {
+  const std::pair<std::string_view, Texts> cases[] = {
+      {"/", {" a\tb=c;d,e", " ,f", ""}},
+      {" \t", {"a", "b=c;d,e/", ",f"}},
+      {" \t=", {"a", "b", "c;d,e/"}},
+      {" \t=;", {"a", "b", "c", "d,e/", ",f", ""}},
+      {"=;,/ \t", {"a", "b", "c", "d", "e", "f", ""}},
+  };
+  for (const auto& [separators, fields] : cases) {
+    std::string_view text = " a\tb=c;d,e/ ,f";
+    for (const std::string& field : fields) {
+      EXPECT_EQ(takeField(text, separators), field) << separators;
+    }
+  }
+}
+
 TEST(SplitFields, FillsUpToTheMinimumAndKeepsWhatIsBeyond) {
   EXPECT_EQ(fieldsOf("a", 3, "NA"), (Texts{"a", "NA", "NA"}));
   EXPECT_EQ(fieldsOf("a", 3), (Texts{"a", "", ""}));

@@ -276,6 +276,23 @@ TEST(OutputStreamNumber, IsWrittenInTheShorterForm) {
   }
 }
 
+TEST(OutputStreamNumber, IsWrittenInFullWhereItIsDenormal) {
+  const std::pair<double, const char*> cases[] = {
+      {5e-324, "4.94065645841e-324"},
+      {-5e-324, "-4.94065645841e-324"},
+      {1e-323, "9.88131291682e-324"},
+      {1.5e-323, "1.48219693752e-323"},
+      {4.9406564584124654e-320, "4.94065645841e-320"},
+      {1e-310, "1e-310"},
+      {2.2250738585072009e-308, "2.22507385851e-308"},
+      {2.2250738585072014e-308, "2.22507385851e-308"},
+  };
+  for (const auto& [value, text] : cases) {
+    EXPECT_EQ(writtenNumber(value, 12), text);
+    EXPECT_EQ(printedNumber(value, 12), text);
+  }
+}
+
 TEST(OutputStreamNumber, IsNamedWhereItIsNotFinite) {
   for (int precision : precisions) {
     EXPECT_EQ(writtenNumber(std::numeric_limits<double>::infinity(), precision), "inf");
@@ -312,6 +329,23 @@ TEST(OutputStreamNumber, IsWrittenAsTheCLibraryDoesAtAllMagnitudes) {
   for (double& value : values) {
     const std::uint64_t bits = random();
     std::memcpy(&value, &bits, sizeof value);
+  }
+  expectPrinted(values);
+}
+
+// Every length of a denormal number, with the most and the fewest bits, and some between.
+TEST(OutputStreamNumber, IsWrittenAsTheCLibraryDoesWhereItIsDenormal) {
+  std::mt19937_64 random(324);
+  std::vector<double> values;
+  for (std::uint64_t highest = 1; highest < std::uint64_t{1} << 52; highest *= 2) {
+    for (int i = 0; i < 20; ++i) {
+      const std::uint64_t rest = i == 0 ? 0 : i == 1 ? highest - 1 : random() % highest;
+      const std::uint64_t bits = highest | rest;
+      double value = 0.0;
+      std::memcpy(&value, &bits, sizeof value);
+      ASSERT_EQ(std::fpclassify(value), FP_SUBNORMAL);
+      values.insert(values.end(), {value, -value});
+    }
   }
   expectPrinted(values);
 }

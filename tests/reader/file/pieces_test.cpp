@@ -29,6 +29,12 @@ TEST(Pieces, HoldAsManyRecordsAsAreAskedFor) {
   EXPECT_EQ(piecesOf(text, 100), Texts{"Component 6"});
 }
 
+TEST(Pieces, HoldOneRecordAtLeastWhereNoneIsAskedFor) {
+  const std::string text = "[Component] C\n[Model] M\n[Ramp]\n[Model] N\n[End]\n";
+  EXPECT_EQ(piecesOf(text, 0), (Texts{"Component 1", "Model 2", "Model 1", "End 1"}));
+  EXPECT_EQ(piecesOf(text, 0), piecesOf(text, 1));
+}
+
 TEST(Pieces, GoOnOverEveryKeywordInModelData) {
   EXPECT_EQ(piecesOf("[Component] C\n[Define Package Model] P\n[Model Data]\n[Model] M\n[End]\n"
                      "[End Model Data]\n[Model] N\n"),
