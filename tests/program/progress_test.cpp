@@ -6,7 +6,9 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <condition_variable>
+#include <cstring>
 #include <future>
 #include <mutex>
 
@@ -17,6 +19,16 @@ namespace ibis::testing {
 namespace {
 
 using ::testing::MatchesRegex;
+
+// Some machines have no terminals to give.
+class Progress : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    const int screen = posix_openpt(O_RDWR | O_NOCTTY);
+    if (screen < 0) GTEST_SKIP() << "no terminal can be made here: " << std::strerror(errno);
+    close(screen);
+  }
+};
 
 // A terminal whose screen nobody but the test sees; all that is printed on it is kept.
 class Terminal {
@@ -85,7 +97,7 @@ std::string wiped(std::size_t columns) { return '\r' + std::string(columns, ' ')
 // Lines that a slow machine may have time to show.
 const std::string moreLines = "([0-9]+ of [0-9]+ files?(, [0-9.]+ per second)?: [^\r]*\r\r *\r)*";
 
-TEST(Progress, StandsOnTheTerminalAndIsWipedAtTheEnd) {
+TEST_F(Progress, StandsOnTheTerminalAndIsWipedAtTheEnd) {
   const TemporaryFolder folder;
   folder.write("a.ibs", bufferText);
   folder.write("b.ibs", bufferText);
@@ -93,7 +105,7 @@ TEST(Progress, StandsOnTheTerminalAndIsWipedAtTheEnd) {
               MatchesRegex("0 of 2 files: a\\.ibs\r" + wiped(19) + moreLines));
 }
 
-TEST(Progress, MakesRoomForMessages) {
+TEST_F(Progress, MakesRoomForMessages) {
   const TemporaryFolder folder;
   folder.write("a.ibs", "");
   EXPECT_THAT(
@@ -126,7 +138,7 @@ class SlowReader {
   int end_ = -1;
 };
 
-TEST(Progress, ShowsCountRateAndCurrentFile) {
+TEST_F(Progress, ShowsCountRateAndCurrentFile) {
   const TemporaryFolder folder;
   folder.write("a.ibs", bufferText);
   std::string pins = partText.substr(0, partText.find("2 VSS GND\n"));
@@ -148,7 +160,7 @@ TEST(Progress, ShowsCountRateAndCurrentFile) {
                            moreLines));
 }
 
-TEST(Progress, NeverWraps) {
+TEST_F(Progress, NeverWraps) {
   const TemporaryFolder folder;
   folder.write("Größe.ibs", bufferText);
   folder.write("b.ibs", bufferText);
@@ -156,7 +168,7 @@ TEST(Progress, NeverWraps) {
               MatchesRegex("0 of 2 files: Grö\r" + wiped(17) + "([^\r]{1,17}\r\r {1,17}\r)*"));
 }
 
-TEST(Progress, ShowsNoControlCharacters) {
+TEST_F(Progress, ShowsNoControlCharacters) {
   const TemporaryFolder folder;
   folder.write("a\x1b[2J\n.ibs", bufferText);
   folder.write("b.ibs", bufferText);
@@ -164,13 +176,13 @@ TEST(Progress, ShowsNoControlCharacters) {
               MatchesRegex("0 of 2 files: a\\?\\[2J\\?\\.ibs\r" + wiped(24) + moreLines));
 }
 
-TEST(Progress, IsNotShownWithQuiet) {
+TEST_F(Progress, IsNotShownWithQuiet) {
   const TemporaryFolder folder;
   folder.write("a.ibs", bufferText);
   EXPECT_EQ(shownOn(80, folder, {"a.ibs", "a.ibs", "-q"}), "");
 }
 
-TEST(Progress, IsNotShownForOneFile) {
+TEST_F(Progress, IsNotShownForOneFile) {
   const TemporaryFolder folder;
   folder.write("a.ibs", bufferText);
   EXPECT_EQ(shownOn(80, folder, {"a.ibs", "-j", "2"}), "");
