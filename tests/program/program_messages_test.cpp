@@ -209,7 +209,7 @@ TEST_F(ProgramMessages, TellOfAWaveformThatWouldBeTooLong) {
 TEST(OwnPlugin, LiesBesideTheProgramThatTheLinkLeadsTo) {
   const TemporaryFolder folder;
   fs::create_symlink("/some/where/bin/ibis-load", folder.file("exe"));
-  EXPECT_EQ(cli::ownPluginPath(folder.file("exe")), "/some/where/lib/ibis_load.so");
+  EXPECT_EQ(cli::ownPluginPath(folder.file("exe")), "/some/where/lib/ibis-load/ibis_load.so");
 }
 
 TEST(OwnPlugin, IsRefusedWhereTheLinkCannotBeRead) {
