@@ -23,7 +23,7 @@ The result holds status ("0" written, "1" warnings, "2" errors), root folder, nu
 warnings, number of errors, then the warnings and the errors.
 
 Exit status: 0 the call was made, whatever its result; 1 the result could not be
-printed; 2 a malformed request, a plug-in that cannot be loaded, or wrong use.
+printed; 2 a malformed request, a plug-in that cannot be loaded, or a usage error.
 
 Examples:
   echo '[["buffer.ibs"],["model","","out","buffer"]]' | ibis-load call

@@ -30,14 +30,14 @@ json parseJson(std::string_view text) {
 
 // The plug-in takes strings that end in a NUL, so one inside would cut its string short.
 std::string takeString(const json& value, const std::string& place) {
-  if (!value.is_string()) refuse(place + " is no string");
+  if (!value.is_string()) refuse(place + " is not a string");
   auto text = value.get<std::string>();
   if (text.find('\0') != std::string::npos) refuse(place + " holds a NUL");
   return text;
 }
 
 std::vector<std::string> takeStrings(const json& array, const std::string& place) {
-  if (!array.is_array()) refuse(place + " is no array");
+  if (!array.is_array()) refuse(place + " is not an array");
   std::vector<std::string> strings;
   for (const json& value : array) {
     strings.push_back(takeString(value, place + '[' + std::to_string(strings.size()) + ']'));
@@ -49,7 +49,7 @@ std::vector<std::string> takeStrings(const json& array, const std::string& place
 
 CallArguments parseRequest(std::string_view text) {
   const json request = parseJson(text);
-  if (!request.is_array()) refuse("it is no array");
+  if (!request.is_array()) refuse("it is not an array");
   if (request.size() < minArguments || request.size() > maxArguments) {
     refuse("it has " + std::to_string(request.size()) + " items, not two to four");
   }

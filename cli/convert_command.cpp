@@ -25,7 +25,7 @@ at the end stands a table of all files, their status, counts and folders. A term
 shows the progress. SUBCKT is for one FILE alone.
 
 Exit status: 0 files written, with or without warnings; 1 errors, or nothing written,
-or, with --werror, warnings (the files are written nevertheless); 2 wrong use.
+or, with --werror, warnings (the files are written nevertheless); 2 usage error.
 Of many files one that ends in 1 makes it 1.
 
 Examples:
@@ -83,7 +83,7 @@ std::string checkJobs(const std::string& text) {
   const bool isNumber = !text.empty() && text.find_first_not_of("0123456789") == text.npos;
   const bool isPlain = text == "0" || !text.starts_with('0');
   const bool isSmall = text.size() < 4 || (text.size() == 4 && text <= "1024");
-  return isNumber && isPlain && isSmall ? "" : '\'' + text + "' is no number from 0 to 1024";
+  return isNumber && isPlain && isSmall ? "" : '\'' + text + "' is not a number from 0 to 1024";
 }
 
 std::string checkFolder(const std::string& name) {

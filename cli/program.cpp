@@ -11,7 +11,7 @@
 namespace ibis::cli {
 namespace {
 
-constexpr const char* details = R"(Exit status: 0 done; 1 errors, or nothing written; 2 wrong use.
+constexpr const char* details = R"(Exit status: 0 done; 1 errors, or nothing written; 2 usage error.
 
 Examples:
   ibis-load convert buffer.ibs -o out

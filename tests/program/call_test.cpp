@@ -82,18 +82,18 @@ TEST(Call, RefusesAMalformedRequestAndSaysWhy) {
     std::string request;
     std::string reason;
   } cases[] = {
-      {"{}", "it is no array"},
-      {"null", "it is no array"},
-      {R"("text")", "it is no array"},
+      {"{}", "it is not an array"},
+      {"null", "it is not an array"},
+      {R"("text")", "it is not an array"},
       {"[]", "it has 0 items, not two to four"},
       {R"([["a"]])", "it has 1 items, not two to four"},
       {"[[],[],[],[],[]]", "it has 5 items, not two to four"},
-      {R"(["a",[]])", "[0] is no array"},
-      {R"([["a"],{}])", "[1] is no array"},
-      {R"([["a"],[],null])", "[2] is no array"},
-      {R"([[7],[]])", "[0][0] is no string"},
-      {R"([["a"],["model",null]])", "[1][1] is no string"},
-      {R"([["a"],[],[],[["b"]]])", "[3][0] is no string"},
+      {R"(["a",[]])", "[0] is not an array"},
+      {R"([["a"],{}])", "[1] is not an array"},
+      {R"([["a"],[],null])", "[2] is not an array"},
+      {R"([[7],[]])", "[0][0] is not a string"},
+      {R"([["a"],["model",null]])", "[1][1] is not a string"},
+      {R"([["a"],[],[],[["b"]]])", "[3][0] is not a string"},
       {R"([["a\u0000b"],[]])", "[0][0] holds a NUL"},
       {R"([["a"],["","","\u0000"]])", "[1][2] holds a NUL"},
   };
@@ -160,7 +160,7 @@ TEST(Call, ALibraryThatRegistersNothingIsNoPlugin) {
 
 TEST(Call, AMalformedRequestIsToldAheadOfAMissingPlugin) {
   EXPECT_EQ(call("{}", {"--plugin", "/no/such/plugin.so"}).err,
-            "ibis-load: error: malformed request: it is no array\n");
+            "ibis-load: error: malformed request: it is not an array\n");
 }
 
 TEST(Call, FindsItsPluginFromAnyFolderAndThroughALink) {

@@ -43,12 +43,12 @@ TEST(Usage, WrongUseEndsInStatusTwoAndSaysWhy) {
       {{"convert", ".", "-s", "dut"},
        "--subcircuit: Only one FILE can be given a subcircuit's name"},
       {{"convert", "a.ibs", "-j"}, "--jobs: 1 required N missing"},
-      {{"convert", "a.ibs", "-j", ""}, "--jobs: '' is no number from 0 to 1024"},
-      {{"convert", "a.ibs", "-j", "two"}, "--jobs: 'two' is no number from 0 to 1024"},
-      {{"convert", "a.ibs", "-j", "-1"}, "--jobs: '-1' is no number from 0 to 1024"},
-      {{"convert", "a.ibs", "-j", "08"}, "--jobs: '08' is no number from 0 to 1024"},
-      {{"convert", "a.ibs", "-j", "1025"}, "--jobs: '1025' is no number from 0 to 1024"},
-      {{"convert", "a.ibs", "-j", "10000"}, "--jobs: '10000' is no number from 0 to 1024"},
+      {{"convert", "a.ibs", "-j", ""}, "--jobs: '' is not a number from 0 to 1024"},
+      {{"convert", "a.ibs", "-j", "two"}, "--jobs: 'two' is not a number from 0 to 1024"},
+      {{"convert", "a.ibs", "-j", "-1"}, "--jobs: '-1' is not a number from 0 to 1024"},
+      {{"convert", "a.ibs", "-j", "08"}, "--jobs: '08' is not a number from 0 to 1024"},
+      {{"convert", "a.ibs", "-j", "1025"}, "--jobs: '1025' is not a number from 0 to 1024"},
+      {{"convert", "a.ibs", "-j", "10000"}, "--jobs: '10000' is not a number from 0 to 1024"},
       {{"call", "extra"}, "The following argument was not expected: extra"},
       {{"call", "--plugin"}, "--plugin: 1 required PATH missing"},
   };
@@ -108,7 +108,7 @@ Subcommands:
   convert                     Convert IBIS files, in the way that MODE tells.
   call                        Call the plug-in as a host does: JSON arguments in, JSON result out.
 
-Exit status: 0 done; 1 errors, or nothing written; 2 wrong use.
+Exit status: 0 done; 1 errors, or nothing written; 2 usage error.
 
 Examples:
   ibis-load convert buffer.ibs -o out
