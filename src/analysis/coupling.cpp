@@ -1,0 +1,152 @@
+#include "analysis/coupling.h"
+
+#include <algorithm>
+#include <cmath>
+#include <unordered_map>
+
+#include "analysis/curve.h"
+
+namespace ibis {
+namespace {
+
+constexpr double scaleStep = 0.999;
+constexpr int mostSteps = 10'000;
+
+using RowMap = std::unordered_map<std::int32_t, std::size_t>;
+
+RowMap indexRows(std::span<const std::int32_t> rows) {
+  RowMap indices;
+  for (std::size_t i = 0; i < rows.size(); ++i) indices.emplace(rows[i], i);
+  return indices;
+}
+
+SymmetricMatrix submatrix(const std::vector<IBISMatrixEntry>& entries, const RowMap& indices) {
+  SymmetricMatrix matrix(indices.size());
+  for (const IBISMatrixEntry& entry : entries) {
+    const auto row = indices.find(entry.row);
+    const auto column = indices.find(entry.column);
+    if (row == indices.end() || column == indices.end()) continue;
+    matrix.set(row->second, column->second, isUsableNumber(entry.value) ? entry.value : 0.0);
+  }
+  return matrix;
+}
+
+std::vector<double> diagonalOf(const SymmetricMatrix& matrix, bool& isBad) {
+  std::vector<double> diagonal;
+  for (std::size_t i = 0; i < matrix.size(); ++i) {
+    const double value = matrix.at(i, i);
+    if (value < 0.0) isBad = true;
+    diagonal.push_back(std::max(value, 0.0));
+  }
+  return diagonal;
+}
+
+// The normalised matrix of the couplings: 1 on its diagonal, k elsewhere.
+SymmetricMatrix normalised(std::size_t size, const std::vector<InductiveCoupling>& couplings,
+                           double scale) {
+  SymmetricMatrix matrix(size);
+  for (std::size_t i = 0; i < size; ++i) matrix.set(i, i, 1.0);
+  for (const InductiveCoupling& each : couplings) {
+    matrix.set(each.first, each.second, each.k * scale);
+  }
+  return matrix;
+}
+
+void takeInductances(CoupledPackage& package, const SymmetricMatrix& matrix, double smallest) {
+  package.inductance = diagonalOf(matrix, package.hasBadDiagonal);
+  for (std::size_t i = 0; i < matrix.size(); ++i) {
+    for (std::size_t j = i + 1; j < matrix.size(); ++j) {
+      const double product = package.inductance[i] * package.inductance[j];
+      if (matrix.at(i, j) == 0.0 || !(product > 0.0)) continue;
+      const double k = matrix.at(i, j) / std::sqrt(product);
+      if (std::fabs(k) < smallest) {
+        ++package.droppedCouplings;
+      } else {
+        package.couplings.push_back({i, j, k});
+      }
+    }
+  }
+}
+
+// Scales the couplings until they are those of a passive network.
+void makeInductancesPassive(CoupledPackage& package) {
+  const std::size_t size = package.inductance.size();
+  double largest = 0.0;
+  for (const InductiveCoupling& each : package.couplings) {
+    largest = std::max(largest, std::fabs(each.k));
+  }
+  if (largest >= 1.0) package.inductanceScale = scaleStep / largest;
+  for (int step = 0; step < mostSteps; ++step) {
+    if (isPositiveDefinite(normalised(size, package.couplings, package.inductanceScale))) break;
+    package.inductanceScale *= scaleStep;
+  }
+  for (InductiveCoupling& each : package.couplings) each.k *= package.inductanceScale;
+}
+
+void takeCapacitances(CoupledPackage& package, const SymmetricMatrix& matrix) {
+  const bool isPassive = isPositiveDefinite(matrix);
+  for (std::size_t i = 0; i < matrix.size(); ++i) {
+    double toReference = 0.0;
+    for (std::size_t j = 0; j < matrix.size(); ++j) toReference += matrix.at(i, j);
+    if (toReference < 0.0 && !isPassive) {
+      toReference = 0.0;
+      ++package.droppedCapacitances;
+    }
+    package.capacitance.push_back(toReference);
+    for (std::size_t j = i + 1; j < matrix.size(); ++j) {
+      const double between = -matrix.at(i, j);
+      if (between == 0.0) continue;
+      if (between < 0.0 && !isPassive) {
+        ++package.droppedCapacitances;
+      } else {
+        package.mutual.push_back({i, j, between});
+      }
+    }
+  }
+}
+
+std::size_t countOffDiagonal(const SymmetricMatrix& matrix) {
+  std::size_t count = 0;
+  for (std::size_t i = 0; i < matrix.size(); ++i) {
+    for (std::size_t j = i + 1; j < matrix.size(); ++j) {
+      if (matrix.at(i, j) != 0.0) ++count;
+    }
+  }
+  return count;
+}
+
+}  // namespace
+
+bool isPositiveDefinite(const SymmetricMatrix& matrix) {
+  const std::size_t size = matrix.size();
+  std::vector<double> factor(size * size);
+  for (std::size_t i = 0; i < size; ++i) {
+    for (std::size_t j = 0; j <= i; ++j) {
+      double sum = matrix.at(i, j);
+      for (std::size_t k = 0; k < j; ++k) sum -= factor[i * size + k] * factor[j * size + k];
+      if (i != j) {
+        factor[i * size + j] = sum / factor[j * size + j];
+      } else if (sum > 0.0) {
+        factor[i * size + i] = std::sqrt(sum);
+      } else {
+        return false;
+      }
+    }
+  }
+  return true;
+}
+
+CoupledPackage coupledPackage(const IBISPackageModel& model, std::span<const std::int32_t> rows,
+                              double smallestCoupling) {
+  const RowMap indices = indexRows(rows);
+  CoupledPackage package;
+  const SymmetricMatrix resistance = submatrix(model.resistance, indices);
+  package.resistance = diagonalOf(resistance, package.hasBadDiagonal);
+  package.droppedResistances = countOffDiagonal(resistance);
+  takeInductances(package, submatrix(model.inductance, indices), smallestCoupling);
+  makeInductancesPassive(package);
+  takeCapacitances(package, submatrix(model.capacitance, indices));
+  return package;
+}
+
+}  // namespace ibis
