@@ -7,6 +7,7 @@
 #include "convert_command.h"
 #include "exit_status.h"
 #include "ibis/exception.h"
+#include "verify_command.h"
 
 namespace ibis::cli {
 namespace {
@@ -24,13 +25,16 @@ int runCommandLine(int count, char** words) {
   program.footer(details);
   ConvertOptions convertOptions;
   CallOptions callOptions;
+  VerifyOptions verifyOptions;
   const CLI::App* convertCommand = addConvertCommand(program, convertOptions);
+  const CLI::App* verifyCommand = addVerifyCommand(program, verifyOptions);
   addCallCommand(program, callOptions);
   try {
     program.parse(count, words);
   } catch (const CLI::ParseError& end) {
     return program.exit(end) == 0 ? exitStatus::done : exitStatus::wrongUse;
   }
+  if (verifyCommand->parsed()) return runVerify(verifyOptions);
   return convertCommand->parsed() ? runConvert(convertOptions) : runCall(callOptions);
 }
 

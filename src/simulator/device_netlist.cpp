@@ -221,6 +221,16 @@ double fastestEdge(const EdgeCoefficients& edge) {
 
 }  // namespace
 
+DeviceNetlist makeDeviceNetlist(const IBISModel& model, int corner, std::string name,
+                                Findings& findings) {
+  DeviceNetlist netlist;
+  netlist.name = std::move(name);
+  netlist.device = makeDevice(model, corner, findings);
+  netlist.rising = extractEdge(model, netlist.device, Edge::rising, corner, findings);
+  netlist.falling = extractEdge(model, netlist.device, Edge::falling, corner, findings);
+  return netlist;
+}
+
 std::vector<std::string> signalPortsOf(const Device& device) {
   std::vector<std::string> ports{"pad"};
   if (device.driver != DriverKind::none) ports.emplace_back("drv");

@@ -19,6 +19,10 @@ struct DeviceNetlist {
   double delay = 0.0;  ///< Of both edges, in seconds.
 };
 
+/// A model at a corner under a name, with its coefficients; what is odd goes to the findings.
+DeviceNetlist makeDeviceNetlist(const IBISModel& model, int corner, std::string name,
+                                Findings& findings);
+
 /// The four rails' ports, in order.
 inline constexpr std::string_view railPorts[] = {"pu", "pd", "pc", "gc"};
 

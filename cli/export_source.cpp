@@ -1,0 +1,83 @@
+#include "export_source.h"
+
+#include <algorithm>
+
+#include "host/load_sequence.h"
+#include "model/model_types.h"
+#include "reader/file/parser.h"
+#include "support/files.h"
+
+namespace ibis::cli {
+namespace {
+
+struct CornerRow {
+  const char* word;
+  int index;
+};
+
+constexpr CornerRow corners[] = {{"typ", corner::typ}, {"min", corner::min}, {"max", corner::max}};
+
+}  // namespace
+
+void readForExport(ExportSource& source, const std::string& path,
+                   const std::vector<std::string>& selections) {
+  source.wasRead = source.text.loadFile(path, fopen_s_utf8);
+  if (!source.wasRead) return;
+  for (const std::string& each : selections) {
+    source.file.addUserModelSelector(withoutEscapes(each));
+  }
+  source.file.setFilePath(sp_GetFullPath(path.c_str()).text());
+  source.scanner.emplace(source.text.text());
+  parseFile(source.file, *source.scanner);
+  source.scanner->dropPiece();
+  postParse(source.file, {}, {});
+}
+
+bool isDevice(const IBISModel& model) {
+  return hasOutput(model.type) || hasInput(model.type) || model.type == ModelType::terminator;
+}
+
+std::vector<const IBISModel*> devicesOf(const IBISFileData& data) {
+  std::vector<const IBISModel*> devices;
+  for (const auto& model : data.models) {
+    if (isDevice(*model)) devices.push_back(model.get());
+  }
+  return devices;
+}
+
+std::vector<const IBISModel*> devicesNamed(const IBISFileData& data,
+                                           const std::vector<std::string>& names,
+                                           std::vector<std::string>& unknown) {
+  std::vector<const IBISModel*> devices = devicesOf(data);
+  if (names.empty()) return devices;
+  for (const std::string& name : names) {
+    const auto isNamed = [&](const IBISModel* model) { return model->name == name; };
+    if (std::ranges::none_of(devices, isNamed)) unknown.push_back(name);
+  }
+  std::erase_if(devices, [&](const IBISModel* model) {
+    return std::ranges::find(names, model->name.view()) == names.end();
+  });
+  return devices;
+}
+
+std::vector<std::string> cornerWords() {
+  std::vector<std::string> words;
+  for (const CornerRow& row : corners) words.emplace_back(row.word);
+  return words;
+}
+
+int cornerIndex(const std::string& word) {
+  for (const CornerRow& row : corners) {
+    if (word == row.word) return row.index;
+  }
+  return corner::typ;
+}
+
+std::string cornerWord(int corner) {
+  for (const CornerRow& row : corners) {
+    if (corner == row.index) return row.word;
+  }
+  return corners[0].word;
+}
+
+}  // namespace ibis::cli

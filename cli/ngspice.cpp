@@ -1,0 +1,133 @@
+#include "ngspice.h"
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+
+extern char** environ;
+
+namespace ibis::cli {
+namespace {
+
+constexpr const char* programName = "ngspice";
+
+// What a log holds when a run was not complete.
+constexpr std::string_view faults[] = {
+    "Timestep too small",
+    "simulation(s) aborted",
+    "Error on line",
+    "Error:",
+    "singular matrix",
+    "no such function",
+    "unknown subckt",
+    "Fatal",
+    "fatal",
+    "run simulation(s) aborted",
+    "no simulations run",
+};
+
+std::string readAll(const std::string& name) {
+  std::ifstream in(name, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+void writeAll(const std::string& name, const std::string& text) {
+  std::ofstream out(name, std::ios::binary);
+  out << text;
+  if (!out.flush()) throw SimulatorFault("cannot write " + name);
+}
+
+// The actions that a started process takes before it runs.
+class FileActions {
+ public:
+  explicit FileActions(const std::string& log) {
+    posix_spawn_file_actions_init(&actions_);
+    posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    posix_spawn_file_actions_addopen(&actions_, STDOUT_FILENO, log.c_str(),
+                                     O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    posix_spawn_file_actions_adddup2(&actions_, STDOUT_FILENO, STDERR_FILENO);
+  }
+  ~FileActions() { posix_spawn_file_actions_destroy(&actions_); }
+  FileActions(const FileActions&) = delete;
+  FileActions& operator=(const FileActions&) = delete;
+
+  const posix_spawn_file_actions_t* get() const { return &actions_; }
+
+ private:
+  posix_spawn_file_actions_t actions_;
+};
+
+void runProgram(std::initializer_list<std::string> words, const std::string& log) {
+  std::vector<std::string> texts(words);
+  std::vector<char*> arguments;
+  for (std::string& text : texts) arguments.push_back(text.data());
+  arguments.push_back(nullptr);
+  const FileActions actions(log);
+  pid_t child = 0;
+  const int fault =
+      posix_spawnp(&child, programName, actions.get(), nullptr, arguments.data(), environ);
+  if (fault != 0) {
+    throw SimulatorFault(std::string("cannot start ngspice: ") + std::strerror(fault));
+  }
+  int status = 0;
+  while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
+  }
+}
+
+// The first line of a log that tells why a run is not complete, or nothing.
+std::string faultIn(const std::string& log) {
+  std::istringstream lines(log);
+  for (std::string line; std::getline(lines, line);) {
+    for (const std::string_view fault : faults) {
+      if (line.find(fault) != line.npos) return line;
+    }
+  }
+  return {};
+}
+
+}  // namespace
+
+TemporaryFolder::TemporaryFolder() {
+  std::string name = (std::filesystem::temp_directory_path() / "ibis-load-XXXXXX").string();
+  if (mkdtemp(name.data()) == nullptr) throw SimulatorFault("cannot make a temporary folder");
+  path_ = name;
+}
+
+TemporaryFolder::~TemporaryFolder() {
+  std::error_code ignored;
+  std::filesystem::remove_all(path_, ignored);
+}
+
+void requireNgspice() {
+  const TemporaryFolder folder;
+  try {
+    runProgram({programName, "-v"}, folder.path() + "/log");
+  } catch (const SimulatorFault& fault) {
+    throw SimulatorFault(std::string(fault.what()) + "; it must be on the PATH");
+  }
+}
+
+RawPlot runNgspice(const TemporaryFolder& folder, const std::string& deck) {
+  const std::string base = folder.path() + "/run";
+  writeAll(base + ".cir", deck);
+  std::error_code ignored;
+  std::filesystem::remove(base + ".raw", ignored);
+  runProgram({programName, "-n", "-b", "-r", base + ".raw", base + ".cir"}, base + ".log");
+  if (const std::string fault = faultIn(readAll(base + ".log")); !fault.empty()) {
+    throw SimulatorFault(fault);
+  }
+  const std::optional<RawPlot> plot = readRawPlot(readAll(base + ".raw"));
+  if (!plot) throw SimulatorFault("the simulator saved nothing");
+  return *plot;
+}
+
+}  // namespace ibis::cli
