@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "host/load_sequence.h"
 #include "model/model_types.h"
 #include "reader/file/parser.h"
 #include "support/files.h"
@@ -24,7 +23,7 @@ void readForExport(ExportSource& source, const std::string& path,
   source.wasRead = source.text.loadFile(path, fopen_s_utf8);
   if (!source.wasRead) return;
   for (const std::string& each : selections) {
-    source.file.addUserModelSelector(withoutEscapes(each));
+    source.file.addUserModelSelector(each);
   }
   source.file.setFilePath(sp_GetFullPath(path.c_str()).text());
   source.scanner.emplace(source.text.text());

@@ -6,6 +6,7 @@
 #include "call_command.h"
 #include "convert_command.h"
 #include "exit_status.h"
+#include "export_command.h"
 #include "ibis/exception.h"
 #include "verify_command.h"
 
@@ -25,8 +26,10 @@ int runCommandLine(int count, char** words) {
   program.footer(details);
   ConvertOptions convertOptions;
   CallOptions callOptions;
+  ExportOptions exportOptions;
   VerifyOptions verifyOptions;
   const CLI::App* convertCommand = addConvertCommand(program, convertOptions);
+  const CLI::App* exportCommand = addExportCommand(program, exportOptions);
   const CLI::App* verifyCommand = addVerifyCommand(program, verifyOptions);
   addCallCommand(program, callOptions);
   try {
@@ -34,6 +37,7 @@ int runCommandLine(int count, char** words) {
   } catch (const CLI::ParseError& end) {
     return program.exit(end) == 0 ? exitStatus::done : exitStatus::wrongUse;
   }
+  if (exportCommand->parsed()) return runExport(exportOptions);
   if (verifyCommand->parsed()) return runVerify(verifyOptions);
   return convertCommand->parsed() ? runConvert(convertOptions) : runCall(callOptions);
 }

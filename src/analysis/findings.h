@@ -11,27 +11,26 @@ enum class Edge : std::uint8_t { rising, falling };
 
 /// What the analysis of a model found worth telling; the comment says what value and count hold.
 enum class FindingKind : std::uint8_t {
-  tableCellsFilled,         ///< Cells of an I-V column that were interpolated: count.
-  tableNotMonotonic,        ///< A table whose current turns back.
-  tableEndHeld,             ///< An end whose slope has the wrong sign is held.
-  clampCurrentHuge,         ///< The largest current of a clamp's table: value, in amperes.
-  tableMissing,             ///< A driver without the pullup or pulldown table that it needs.
-  waveformCellsDropped,     ///< Rows of an edge's waveforms without an own voltage: count.
-  waveformsUnusable,        ///< Waveforms of an edge that cannot be used: count.
-  waveformLoadUnsupported,  ///< Waveforms of an edge left out for L_fixture, R_dut, L_dut, C_dut.
-  oneWaveform,              ///< A push-pull edge with a single usable waveform.
-  waveformsContradict,      ///< One of the two was left out; the kept one's index: count.
-  waveformJumps,            ///< Part of the swing that is passed in the first step: value.
-  cornerFromTyp,            ///< The corner has no waveforms of its own.
-  estimateUnusable,         ///< The estimate does not fit the tables; value: mismatch.
-  rampUsed,                 ///< An edge made from the ramp: value, in seconds.
-  edgeAssumed,              ///< An edge with neither waveform nor ramp: value, in seconds.
-  endOffNominal,            ///< The coefficients' distance from nominal at the end: value.
-  staticMismatch,           ///< Waveform's levels against the tables, part of the swing: value.
-  negativeCapacitance,      ///< Taken as 0; value, in farads.
-  thresholdsDefaulted,      ///< The file gives no input thresholds.
-  thresholdsSwapped,        ///< Vinl is not below Vinh; the mean is used: value, in volts.
-  referenceMissing,         ///< A table without a reference voltage or voltage range.
+  tableCellsFilled,      ///< Cells of an I-V column that were interpolated: count.
+  tableNotMonotonic,     ///< A table whose current turns back.
+  tableEndHeld,          ///< An end whose slope has the wrong sign is held.
+  clampCurrentHuge,      ///< The largest current of a clamp's table: value, in amperes.
+  tableMissing,          ///< A driver without the pullup or pulldown table that it needs.
+  waveformCellsDropped,  ///< Rows of an edge's waveforms without an own voltage: count.
+  waveformsUnusable,     ///< Waveforms of an edge that cannot be used: count.
+  oneWaveform,           ///< A push-pull edge with a single usable waveform.
+  waveformsContradict,   ///< One of the two was left out; the kept one's index: count.
+  waveformJumps,         ///< Part of the swing that is passed in the first step: value.
+  cornerFromTyp,         ///< The corner has no waveforms of its own.
+  estimateUnusable,      ///< The estimate does not fit the tables; value: mismatch.
+  rampUsed,              ///< An edge made from the ramp: value, in seconds.
+  edgeAssumed,           ///< An edge with neither waveform nor ramp: value, in seconds.
+  endOffNominal,         ///< The coefficients' distance from nominal at the end: value.
+  staticMismatch,        ///< Waveform's levels against the tables, part of the swing: value.
+  negativeCapacitance,   ///< Taken as 0; value, in farads.
+  thresholdsDefaulted,   ///< The file gives no input thresholds.
+  thresholdsSwapped,     ///< Vinl is not below Vinh; the mean is used: value, in volts.
+  referenceMissing,      ///< A table without a reference voltage or voltage range.
 };
 
 /// One finding about a model at a corner.

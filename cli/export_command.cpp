@@ -1,0 +1,173 @@
+#include "export_command.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <map>
+
+#include "conversion.h"
+#include "exit_status.h"
+#include "export_source.h"
+#include "interruption.h"
+#include "json_line.h"
+#include "report.h"
+#include "simulator/dialect.h"
+#include "verify_model.h"
+
+namespace ibis::cli {
+namespace {
+
+constexpr const char* details =
+    R"(Writes DIR/COMPONENT_CORNER.inc for each corner, to be included by a netlist: a subcircuit
+for each model and one for the component with its package. Without options: the first component,
+all of its pins, typ, the pins' own R, L and C. With --model or --all-models: models alone, into
+DIR/FILE_CORNER.inc.
+
+Standard output: the files written and the counts of warnings and errors.
+Standard error: each message as FILE:LINE: warning: TEXT, or without LINE.
+
+Exit status: 0 files written, with or without warnings; 1 errors, or nothing written, or, with
+--werror, warnings (the files are written nevertheless); 2 wrong use.
+
+Examples:
+  ibis-load export buffer.ibs -o spice --bench
+      writes spice/BUFFER_typ.inc and spice/BUFFER_typ_bench.cir, which ngspice -b runs
+  ibis-load export hub.ibs -c HUB -p A1 -p A2 --package coupled --corner min --corner max
+      writes two pins with what couples them, at two corners
+  ibis-load export hub.ibs --all-models -f ltspice -o spice
+      writes every model of the file in another dialect)";
+
+const std::map<std::string, PackageKind> packageWords{
+    {"none", PackageKind::none}, {"pins", PackageKind::pins}, {"coupled", PackageKind::coupled}};
+
+std::vector<std::string> dialectWords() {
+  std::vector<std::string> words;
+  for (const Dialect& dialect : dialectTable()) words.emplace_back(dialect.word);
+  return words;
+}
+
+std::string checkFolder(const std::string& name) {
+  return name.empty() ? "A folder's name is not empty" : "";
+}
+
+void addChoiceOptions(CLI::App& command, ExportRequest& request) {
+  command.add_option("-f,--format", request.format, "The simulator whose dialect is written")
+      ->type_name("SIMULATOR")
+      ->check(CLI::IsMember(dialectWords()))
+      ->capture_default_str();
+  command.add_option("--corner", request.corners, "A corner, once for each; else typ")
+      ->type_name("CORNER")
+      ->check(CLI::IsMember(cornerWords()))
+      ->allow_extra_args(false);
+  command.add_option("-c,--component", request.component, "The component; else the file's first")
+      ->type_name("COMPONENT");
+  command.add_option("-p,--pin", request.pins, "A pin to write, once for each; else all")
+      ->type_name("PIN")
+      ->allow_extra_args(false);
+  command.add_option("--model", request.models, "A model to write without a component")
+      ->type_name("NAME")
+      ->allow_extra_args(false);
+  command.add_flag("--all-models", request.allModels, "Every model, without a component");
+  command
+      .add_option("--select", request.selections,
+                  "Description of the model that a selector takes, once for each")
+      ->type_name("DESCRIPTION")
+      ->allow_extra_args(false);
+}
+
+void addPackageOptions(CLI::App& command, ExportRequest& request) {
+  command
+      .add_option("--package", request.package,
+                  "What stands between die and pin: none, pins (default) or coupled")
+      ->type_name("KIND")
+      ->transform(CLI::CheckedTransformer(packageWords).description(""));
+  command
+      .add_option("--min-coupling", request.smallestCoupling,
+                  "Smallest inductive coupling that is written")
+      ->type_name("K")
+      ->check(CLI::Range(0.0, 1.0))
+      ->capture_default_str();
+}
+
+void addOutputOptions(CLI::App& command, ExportOptions& options) {
+  command.add_flag("--bench", options.request.hasBench, "Write a bench that runs as it stands");
+  command.add_option("-o,--output", options.request.folder, "Where files go; made if absent")
+      ->type_name("DIR")
+      ->check(checkFolder)
+      ->capture_default_str();
+  command.add_flag("--json", options.asJson, "Report as JSON on standard output");
+  command.add_flag("-q,--quiet", options.isQuiet, "No standard output but that of --json");
+  command.add_flag("--werror", options.warningsFail,
+                   "Exit status 1 for warnings; the files are written nevertheless");
+}
+
+using Json = nlohmann::ordered_json;
+
+Json nameOrNull(const std::string& name) { return name.empty() ? Json() : Json(name); }
+
+Json toJson(const ExportedSubcircuit& each) {
+  return {{"name", each.name},
+          {"model", nameOrNull(each.model)},
+          {"component", nameOrNull(each.component)},
+          {"corner", each.corner},
+          {"file", each.file},
+          {"ports", each.ports},
+          {"rails",
+           {{"pu", each.rails.pu},
+            {"pd", each.rails.pd},
+            {"pc", each.rails.pc},
+            {"gc", each.rails.gc}}},
+          {"span", each.span},
+          {"rising", methodText(each.rising)},
+          {"falling", methodText(each.falling)}};
+}
+
+Json toJson(const std::vector<Diagnostic>& list) {
+  Json array = Json::array();
+  for (const Diagnostic& each : list) {
+    array.push_back(
+        {{"id", each.id}, {"line", each.line > 0 ? Json(each.line) : Json()}, {"text", each.text}});
+  }
+  return array;
+}
+
+void printJson(const Export& result, int status) {
+  Json object{{"status", status}, {"files", result.files}, {"subcircuits", Json::array()}};
+  for (const ExportedSubcircuit& each : result.subcircuits) {
+    object["subcircuits"].push_back(toJson(each));
+  }
+  object["warnings"] = toJson(result.warnings);
+  object["errors"] = toJson(result.errors);
+  std::cout << jsonLine(object);
+}
+
+}  // namespace
+
+CLI::App* addExportCommand(CLI::App& program, ExportOptions& options) {
+  CLI::App* command =
+      program.add_subcommand("export", "Write models as plain SPICE for open simulators.");
+  command->add_option("FILE", options.request.source, "The IBIS file")->type_name("")->required();
+  addChoiceOptions(*command, options.request);
+  addPackageOptions(*command, options.request);
+  addOutputOptions(*command, options);
+  command->footer(details);
+  command->parse_complete_callback([command, &options] {
+    options.request.hasSmallestCoupling = command->count("--min-coupling") != 0;
+  });
+  return command;
+}
+
+int runExport(const ExportOptions& options) {
+  watchForInterruption();
+  const Export result = exportFile(options.request);
+  const Conversion report{result.files, result.warnings, result.errors};
+  const int status = exitStatusOf(report, options.warningsFail);
+  std::cerr << messageText(options.request.source, report);
+  if (options.asJson) {
+    printJson(result, status);
+  } else if (!options.isQuiet) {
+    printSummary(std::cout, report);
+  }
+  return status;
+}
+
+}  // namespace ibis::cli
