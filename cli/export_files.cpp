@@ -449,50 +449,71 @@ void describeAll(const Plan& plan, const FileDraft& draft, Export& result) {
   result.subcircuits.push_back(std::move(component));
 }
 
-// The first device with a property, and its package where a component tells one.
+// The first model whose device has a property, or null.
 template <class Wanted>
-std::optional<BenchEnd> findEnd(const Plan& plan, const FileDraft& draft, Wanted wanted) {
-  for (const IBISModel* model : plan.models) {
-    const DeviceNetlist& device = draft.devices[draft.deviceOf.at(model)];
-    if (!wanted(device.device)) continue;
-    BenchEnd end{device.name + "_v", device.device, {}};
-    const auto hasModel = [&](const IBISPinEntry* entry) { return entry->model == model; };
-    const auto entry = std::ranges::find_if(plan.entries, hasModel);
-    if (entry != plan.entries.end() && plan.request.package != PackageKind::none) {
-      end.package = packageOf(*plan.component, *(*entry)->pin, draft.corner);
-    }
-    return end;
-  }
-  return std::nullopt;
+const IBISModel* findModel(const Plan& plan, const FileDraft& draft, Wanted wanted) {
+  const auto found = std::ranges::find_if(plan.models, [&](const IBISModel* model) {
+    return wanted(draft.devices[draft.deviceOf.at(model)].device);
+  });
+  return found == plan.models.end() ? nullptr : *found;
 }
 
-double openLevel(const Device& device, bool isHigh) {
+// A model's device, with the package of its first pin where a component tells one.
+BenchEnd endOf(const Plan& plan, const FileDraft& draft, const IBISModel* model) {
+  if (model == nullptr) return {};
+  const DeviceNetlist& device = draft.devices[draft.deviceOf.at(model)];
+  BenchEnd end{device.name + "_v", device.device, {}};
+  const auto hasModel = [&](const IBISPinEntry* entry) { return entry->model == model; };
+  const auto entry = std::ranges::find_if(plan.entries, hasModel);
+  if (entry != plan.entries.end() && plan.request.package != PackageKind::none) {
+    end.package = packageOf(*plan.component, *(*entry)->pin, draft.corner);
+  }
+  return end;
+}
+
+// What a driver needs to reach both levels: the fixture that it was measured with, else for an open
+// one the rail that it lacks and for an ECL one the usual 2 V below its supply.
+std::optional<ResistiveLoad> neededLoad(const DeviceNetlist& netlist, const IBISModel& model,
+                                        int corner) {
+  constexpr double usualResistance = 50.0;
+  constexpr double eclTermination = 2.0;
+  const Device& device = netlist.device;
+  if (device.driver == DriverKind::pushPull && !device.isEcl) return std::nullopt;
+  if (!netlist.rising.used.empty()) {
+    const Fixture fixture = fixtureOf(model.risingWaveforms[netlist.rising.used[0]], corner);
+    return ResistiveLoad{fixture.resistance, fixture.voltage};
+  }
+  if (device.isEcl) return ResistiveLoad{usualResistance, device.rails.pu - eclTermination};
+  const bool isDrain = device.driver == DriverKind::openDrain;
+  return ResistiveLoad{usualResistance, isDrain ? device.rails.pu : device.rails.pd};
+}
+
+double settledLevel(const Device& device, const std::optional<ResistiveLoad>& load, bool isHigh) {
   constexpr double openResistance = 1e6;
   const double supply = isHigh ? device.rails.pu : device.rails.pd;
-  return operatingPointNear(device, settled(device.driver, isHigh), {openResistance, supply},
-                            supply);
+  return operatingPointNear(device, settled(device.driver, isHigh),
+                            load.value_or(ResistiveLoad{openResistance, supply}), supply);
 }
 
 void writeBench(const Plan& plan, const FileDraft& draft, Export& result) {
   const auto drives = [](const Device& device) { return device.driver != DriverKind::none; };
   const auto receives = [](const Device& device) { return device.hasInput; };
-  const std::optional<BenchEnd> driver = findEnd(plan, draft, drives);
-  if (!driver) {
+  const IBISModel* model = findModel(plan, draft, drives);
+  if (model == nullptr) {
     result.warnings.push_back(tell(Severity::warning, message::nothingToDrive));
     return;
   }
+  const DeviceNetlist& driver = draft.devices[draft.deviceOf.at(model)];
   TestBench bench;
-  bench.title = "bench: " + driver->subcircuit + " drives a line of 50 ohm";
+  bench.title = "bench: " + driver.name + " drives a line of 50 ohm";
   bench.include = fs::path(draft.name).filename().string();
-  bench.driver = *driver;
-  bench.receiver = findEnd(plan, draft, receives).value_or(BenchEnd());
-  bench.low = openLevel(driver->device, false);
-  bench.high = openLevel(driver->device, true);
-  for (const DeviceNetlist& each : draft.devices) {
-    if (each.name + "_v" != driver->subcircuit) continue;
-    bench.span = std::max(each.rising.span, each.falling.span);
-    bench.step = recommendedStep(each);
-  }
+  bench.driver = endOf(plan, draft, model);
+  bench.receiver = endOf(plan, draft, findModel(plan, draft, receives));
+  bench.load = neededLoad(driver, *model, draft.corner);
+  bench.low = settledLevel(driver.device, bench.load, false);
+  bench.high = settledLevel(driver.device, bench.load, true);
+  bench.span = std::max(driver.rising.span, driver.falling.span);
+  bench.step = recommendedStep(driver);
   const std::string name = draft.name.substr(0, draft.name.size() - 4) + "_bench.cir";
   writeFile(plan, name, result, [&](NetlistWriter& writer) { writeTestBench(writer, bench); });
 }

@@ -109,9 +109,15 @@ std::vector<double> lineBetweenTelling(const std::vector<OpenSums>& sums,
 
 Coefficients solvePair(const CurrentRow& first, const CurrentRow& second) {
   const Normal n = normalEquations(first, second);
+  // Solved for the distance from the prior, so that nothing cancels where the rows say the same.
+  const double up = prior(first, second);
+  const double a = first.current - first.up * up - first.down * (1.0 - up);
+  const double b = second.current - second.up * up - second.down * (1.0 - up);
+  const double r1 = first.up * a + second.up * b;
+  const double r2 = first.down * a + second.down * b;
   const double determinant = n.m11 * n.m22 - n.m12 * n.m12;
-  const Coefficients k{(n.r1 * n.m22 - n.r2 * n.m12) / determinant,
-                       (n.r2 * n.m11 - n.r1 * n.m12) / determinant};
+  const Coefficients k{up + (r1 * n.m22 - r2 * n.m12) / determinant,
+                       1.0 - up + (r2 * n.m11 - r1 * n.m12) / determinant};
   return isInside(k) ? k : bestOnBounds(n);
 }
 

@@ -33,9 +33,9 @@ constexpr double jumpTime = 1e-3;       // of the span
 constexpr double jumpShare = 0.2;       // of the swing
 constexpr double finestThinning = 5e-6;
 constexpr double coarsestThinning = 2e-4;
-constexpr double thinnedShare = 5e-4;        // of the swing
-constexpr double smoothstepBand = 0.425719;  // of a smoothstep's width, from 20 to 80 %
-constexpr double assumedRamp = 1e-9;         // seconds, where a file tells nothing
+constexpr double thinnedShare = 5e-4;         // of the swing
+constexpr double smoothstepBand = 0.4257185;  // of a smoothstep's width, from 20 to 80 %
+constexpr double assumedRamp = 1e-9;          // seconds, where a file tells nothing
 constexpr std::size_t rampPoints = 200;
 
 // One waveform that can be used.

@@ -89,11 +89,15 @@ void writeTestBench(NetlistWriter& writer, const TestBench& bench) {
   writer.line("T1 pin1 0 pin2 0 z0=" + number(lineImpedance) + " td=" + number(lineDelay) +
               (dialect.hasLineOptions ? " rel=10 abs=10" : ""));
   writeEnd(writer, bench.receiver, "2");
+  if (bench.load) {
+    writer.line("Rterm pin2 term " + number(bench.load->resistance));
+    writer.line("Vterm term 0 " + number(bench.load->voltage));
+  }
   const double half = 2.0 * bench.span + 4.0 * lineDelay;
   writer.line(dialect.options);
   writer.line(".tran " + number(bench.step) + ' ' + number(3.0 * half) + " 0 " +
               number(bench.step));
-  writer.comment("levels before each edge, and times from 20 to 80 % of the open swing");
+  writer.comment("levels before each edge, and times from 20 to 80 % of the settled swing");
   writeMeasures(writer, bench);
   writer.line(".end");
 }

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
+#include "analysis/load_line.h"
 #include "simulator/component_netlist.h"
 #include "simulator/device_netlist.h"
 
@@ -20,10 +22,11 @@ struct TestBench {
   std::string include;  ///< File name of the subcircuits.
   BenchEnd driver;
   BenchEnd receiver;
-  double low = 0.0;     ///< Settled level at the far end, in volts.
-  double high = 0.0;    ///< Likewise.
-  double span = 1e-9;   ///< Of the longest edge, in seconds.
-  double step = 1e-11;  ///< Largest step, in seconds.
+  std::optional<ResistiveLoad> load;  ///< At the far end, for drivers that need one.
+  double low = 0.0;                   ///< Settled level at the far end, in volts.
+  double high = 0.0;                  ///< Likewise.
+  double span = 1e-9;                 ///< Of the longest edge, in seconds.
+  double step = 1e-11;                ///< Largest step, in seconds.
 };
 
 /// Writes a deck that runs as it stands and prints the levels and the edge times at the far end.

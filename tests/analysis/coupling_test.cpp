@@ -1,0 +1,79 @@
+#include "analysis/coupling.h"
+
+#include <gtest/gtest.h>
+
+namespace ibis {
+namespace {
+
+SymmetricMatrix matrix(double a, double b, double c) {
+  SymmetricMatrix m(2);
+  m.set(0, 0, a);
+  m.set(0, 1, b);
+  m.set(1, 1, c);
+  return m;
+}
+
+IBISPackageModel twoPins(double l12, double c12) {
+  IBISPackageModel model;
+  model.resistance = {{1, 1, 0.1}, {1, 2, 0.01}, {2, 2, 0.2}};
+  model.inductance = {{1, 1, 4e-9}, {1, 2, l12}, {2, 2, 9e-9}};
+  model.capacitance = {{1, 1, 1e-12}, {1, 2, c12}, {2, 2, 2e-12}};
+  return model;
+}
+
+constexpr std::int32_t rows[] = {1, 2};
+
+TEST(Coupling, CholeskyTellsDefiniteMatrices) {
+  EXPECT_TRUE(isPositiveDefinite(matrix(2.0, 1.0, 2.0)));
+  EXPECT_FALSE(isPositiveDefinite(matrix(1.0, 2.0, 1.0)));
+  EXPECT_FALSE(isPositiveDefinite(matrix(0.0, 0.0, 1.0)));
+  EXPECT_TRUE(isPositiveDefinite(SymmetricMatrix()));
+}
+
+TEST(Coupling, InductancesBecomeFactorsAndCapacitancesElements) {
+  const CoupledPackage package = coupledPackage(twoPins(1.8e-9, -0.25e-12), rows, 0.01);
+  EXPECT_EQ(package.inductance, (std::vector<double>{4e-9, 9e-9}));
+  ASSERT_EQ(package.couplings.size(), 1u);
+  EXPECT_NEAR(package.couplings[0].k, 0.3, 1e-12);
+  ASSERT_EQ(package.mutual.size(), 1u);
+  EXPECT_DOUBLE_EQ(package.mutual[0].value, 0.25e-12);
+  EXPECT_DOUBLE_EQ(package.capacitance[0], 0.75e-12);
+  EXPECT_DOUBLE_EQ(package.capacitance[1], 1.75e-12);
+  EXPECT_EQ(package.droppedResistances, 1u);
+  EXPECT_EQ(package.inductanceScale, 1.0);
+}
+
+TEST(Coupling, APinLeftOutCountsAsGrounded) {
+  const std::int32_t first[] = {1};
+  const CoupledPackage package = coupledPackage(twoPins(1.8e-9, -0.25e-12), first, 0.01);
+  EXPECT_DOUBLE_EQ(package.capacitance[0], 1e-12);
+  EXPECT_TRUE(package.couplings.empty());
+}
+
+TEST(Coupling, SmallCouplingsAreDropped) {
+  const CoupledPackage package = coupledPackage(twoPins(0.03e-9, 0.0), rows, 0.01);
+  EXPECT_TRUE(package.couplings.empty());
+  EXPECT_EQ(package.droppedCouplings, 1u);
+}
+
+TEST(Coupling, InductancesThatAreNotPassiveAreScaled) {
+  const CoupledPackage package = coupledPackage(twoPins(7.2e-9, 0.0), rows, 0.01);
+  ASSERT_EQ(package.couplings.size(), 1u);
+  EXPECT_LT(package.couplings[0].k, 1.0);
+  EXPECT_LT(package.inductanceScale, 1.0);
+}
+
+TEST(Coupling, ANegativeCapacitorStaysInAPassiveNetwork) {
+  const CoupledPackage package = coupledPackage(twoPins(0.0, -1.2e-12), rows, 0.01);
+  EXPECT_NEAR(package.capacitance[0], -0.2e-12, 1e-24);
+  EXPECT_EQ(package.droppedCapacitances, 0u);
+}
+
+TEST(Coupling, CapacitancesThatAreNotPassiveLoseTheNegativeOnes) {
+  const CoupledPackage package = coupledPackage(twoPins(0.0, -3e-12), rows, 0.01);
+  EXPECT_EQ(package.capacitance, (std::vector<double>{0.0, 0.0}));
+  EXPECT_EQ(package.droppedCapacitances, 2u);
+}
+
+}  // namespace
+}  // namespace ibis
