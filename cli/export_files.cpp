@@ -488,11 +488,15 @@ std::optional<ResistiveLoad> neededLoad(const DeviceNetlist& netlist, const IBIS
   return ResistiveLoad{usualResistance, isDrain ? device.rails.pu : device.rails.pd};
 }
 
-double settledLevel(const Device& device, const std::optional<ResistiveLoad>& load, bool isHigh) {
+// The level at the far end, where the receiver's tables and terminators draw current too.
+double settledLevel(const TestBench& bench, bool isHigh) {
   constexpr double openResistance = 1e6;
+  const Device& device = bench.driver.device;
   const double supply = isHigh ? device.rails.pu : device.rails.pd;
-  return operatingPointNear(device, settled(device.driver, isHigh),
-                            load.value_or(ResistiveLoad{openResistance, supply}), supply);
+  const BiasedDevice ends[] = {{&device, settled(device.driver, isHigh)},
+                               {&bench.receiver.device, {}}};
+  const ResistiveLoad load = bench.load.value_or(ResistiveLoad{openResistance, supply});
+  return nearestOf(operatingPoints(ends, load), supply);
 }
 
 void writeBench(const Plan& plan, const FileDraft& draft, Export& result) {
@@ -510,8 +514,8 @@ void writeBench(const Plan& plan, const FileDraft& draft, Export& result) {
   bench.driver = endOf(plan, draft, model);
   bench.receiver = endOf(plan, draft, findModel(plan, draft, receives));
   bench.load = neededLoad(driver, *model, draft.corner);
-  bench.low = settledLevel(driver.device, bench.load, false);
-  bench.high = settledLevel(driver.device, bench.load, true);
+  bench.low = settledLevel(bench, false);
+  bench.high = settledLevel(bench, true);
   bench.span = std::max(driver.rising.span, driver.falling.span);
   bench.step = recommendedStep(driver);
   const std::string name = draft.name.substr(0, draft.name.size() - 4) + "_bench.cir";

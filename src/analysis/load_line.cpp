@@ -11,13 +11,17 @@ void addCorners(std::vector<double>& places, const Curve& curve, double rail, bo
   for (const double x : curve.x) places.push_back(isFromRail ? rail - x : rail + x);
 }
 
-std::vector<double> cornersOf(const Device& device, double loadVoltage) {
+void addCorners(std::vector<double>& places, const Device& device) {
   const Rails& rails = device.rails;
-  std::vector<double> places{loadVoltage - 1.0, loadVoltage + 1.0};
   addCorners(places, device.pullup, rails.pu, true);
   addCorners(places, device.pulldown, device.isEcl ? rails.pu : rails.pd, device.isEcl);
   addCorners(places, device.powerClamp, rails.pc, true);
   addCorners(places, device.gndClamp, rails.gc, false);
+}
+
+std::vector<double> cornersOf(std::span<const BiasedDevice> devices, double loadVoltage) {
+  std::vector<double> places{loadVoltage - 1.0, loadVoltage + 1.0};
+  for (const BiasedDevice& each : devices) addCorners(places, *each.device);
   std::ranges::sort(places);
   const auto repeated = std::ranges::unique(places);
   places.erase(repeated.begin(), repeated.end());
@@ -45,14 +49,19 @@ Coefficients settled(DriverKind driver, bool isHigh) {
   return {};
 }
 
-std::vector<double> operatingPoints(const Device& device, Coefficients k, ResistiveLoad load) {
-  PadCurrentReader reader(device);
+std::vector<double> operatingPoints(std::span<const BiasedDevice> devices, ResistiveLoad load) {
+  std::vector<PadCurrentReader> readers;
+  for (const BiasedDevice& each : devices) readers.emplace_back(*each.device);
   const auto sum = [&](double pad) {
-    const PadCurrents i = reader.at(pad);
-    return k.up * i.pullup + k.down * i.pulldown + i.clamps +
-           (pad - load.voltage) / load.resistance;
+    double total = (pad - load.voltage) / load.resistance;
+    for (std::size_t i = 0; i < devices.size(); ++i) {
+      const PadCurrents currents = readers[i].at(pad);
+      const Coefficients k = devices[i].k;
+      total += k.up * currents.pullup + k.down * currents.pulldown + currents.clamps;
+    }
+    return total;
   };
-  const std::vector<double> places = cornersOf(device, load.voltage);
+  const std::vector<double> places = cornersOf(devices, load.voltage);
   std::vector<double> points;
   double x0 = places.front();
   double y0 = sum(x0);
@@ -68,13 +77,21 @@ std::vector<double> operatingPoints(const Device& device, Coefficients k, Resist
   return points;
 }
 
-double operatingPointNear(const Device& device, Coefficients k, ResistiveLoad load, double near) {
-  const std::vector<double> points = operatingPoints(device, k, load);
+std::vector<double> operatingPoints(const Device& device, Coefficients k, ResistiveLoad load) {
+  const BiasedDevice alone{&device, k};
+  return operatingPoints(std::span(&alone, 1), load);
+}
+
+double nearestOf(const std::vector<double>& points, double near) {
   const auto closer = [near](double a, double b) {
     return std::fabs(a - near) < std::fabs(b - near);
   };
   const auto nearest = std::ranges::min_element(points, closer);
   return nearest == points.end() ? near : *nearest;
+}
+
+double operatingPointNear(const Device& device, Coefficients k, ResistiveLoad load, double near) {
+  return nearestOf(operatingPoints(device, k, load), near);
 }
 
 }  // namespace ibis

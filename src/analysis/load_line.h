@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <vector>
 
 #include "analysis/device.h"
@@ -21,11 +22,23 @@ struct ResistiveLoad {
   double voltage = 0.0;
 };
 
-/// All pad voltages at which a device and a load carry no sum of currents, ascending.
+/// A device whose driver stands still.
+struct BiasedDevice {
+  const Device* device = nullptr;
+  Coefficients k;
+};
+
+/// All pad voltages at which devices on one node and a load carry no sum of currents, ascending.
 ///
 /// The sum of the currents is piecewise linear in the pad voltage, so each piece is solved exactly.
 /// A table that turns back can have several such points.
+std::vector<double> operatingPoints(std::span<const BiasedDevice> devices, ResistiveLoad load);
+
+/// The same for one device.
 std::vector<double> operatingPoints(const Device& device, Coefficients k, ResistiveLoad load);
+
+/// The voltage of a list that is nearest to one, or that voltage itself if the list is empty.
+double nearestOf(const std::vector<double>& points, double near);
 
 /// The operating point nearest to a voltage, or that voltage itself if there is none.
 double operatingPointNear(const Device& device, Coefficients k, ResistiveLoad load, double near);
