@@ -128,8 +128,7 @@ std::vector<StaticRun> staticRuns(const Device& device) {
   const Rails& rails = device.rails;
   std::vector<double> voltages{rails.pu, rails.pd, rails.pc, rails.gc};
   std::ranges::sort(voltages);
-  const auto repeated = std::ranges::unique(voltages);
-  voltages.erase(repeated.begin(), repeated.end());
+  voltages.erase(std::unique(voltages.begin(), voltages.end()), voltages.end());
   std::vector<StaticRun> runs;
   for (const double voltage : voltages) {
     runs.push_back({false, {testResistance, voltage}});

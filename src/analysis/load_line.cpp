@@ -23,8 +23,7 @@ std::vector<double> cornersOf(std::span<const BiasedDevice> devices, double load
   std::vector<double> places{loadVoltage - 1.0, loadVoltage + 1.0};
   for (const BiasedDevice& each : devices) addCorners(places, *each.device);
   std::ranges::sort(places);
-  const auto repeated = std::ranges::unique(places);
-  places.erase(repeated.begin(), repeated.end());
+  places.erase(std::unique(places.begin(), places.end()), places.end());
   return places;
 }
 

@@ -174,6 +174,33 @@ TEST(Ngspice, CapacitanceAtThePadIsThatOfTheModel) {
   EXPECT_NEAR(-current[current.size() / 2] - 0.5e-9, 2e-12 * 1e6, 1e-3 * 2e-6);
 }
 
+TEST(Ngspice, TheTermsOfThePadAreTheTablesFarBeyondTheRails) {
+  SKIP_WITHOUT_NGSPICE();
+  Findings findings;
+  const DeviceNetlist netlist = makeDeviceNetlist(driverModel(), corner::typ, "dut", findings);
+  const std::string deck = written([&](NetlistWriter& writer) {
+    writer.comment("sweep");
+    writeDevice(writer, netlist);
+    writer.line("Vp pad 0 0");
+    writer.line("Vd drv 0 1");
+    writer.line("X1 pad drv 0 dut_v");
+    writer.line(".options reltol=1e-6 abstol=1e-15");
+    writer.line(".save i(vp) v(pad)");
+    writer.line(".dc Vp -3 6 0.05");
+    writer.line(".end");
+  });
+  const TemporaryFolder folder;
+  const RawPlot plot = runNgspice(folder, deck);
+  const std::vector<double>& pad = *plot.find("v(pad)");
+  const std::vector<double>& current = *plot.find("i(vp)");
+  ASSERT_EQ(pad.size(), 181u);
+  constexpr double digits = 1e-7;  // amperes that seven digits of a table leave open
+  PadCurrentReader reader(netlist.device);
+  for (std::size_t i = 0; i < pad.size(); ++i) {
+    EXPECT_NEAR(-current[i], reader.at(pad[i]).pullup + pad[i] * 1e-9, digits) << pad[i];
+  }
+}
+
 TEST(Ngspice, AFloatingBandHoldsTheReceiver) {
   SKIP_WITHOUT_NGSPICE();
   Findings findings;
