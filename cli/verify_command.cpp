@@ -37,7 +37,6 @@ Examples:
 constexpr double perCent = 100.0;
 constexpr double dcLimit = 1e-3;  // volts
 constexpr std::string_view fineOptions = ".options reltol=1e-4 trtol=1";
-constexpr std::string_view coarseOptions = ".options trtol=1";
 
 struct Task {
   const IBISModel* model;
@@ -67,7 +66,7 @@ std::vector<ModelResult> runTasks(const std::vector<Task>& tasks, const VerifyOp
   const auto work = [&] {
     for (std::size_t i = next++; i < tasks.size(); i = next++) {
       results[i] = verifyModel(*tasks[i].model, tasks[i].corner,
-                               options.isCoarse ? coarseOptions : fineOptions);
+                               options.isCoarse ? dialectTable().front().options : fineOptions);
       const std::scoped_lock lock(mutex);
       progress.show(++done, results[i].model);
     }

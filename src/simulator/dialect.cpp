@@ -18,7 +18,7 @@ constexpr Dialect dialects[] = {
      .beforeFormula = "",
      .afterFormula = "",
      .threshold = "{vth}",
-     .options = ".options trtol=1",
+     .options = ".options trtol=1 method=gear",
      .hasLineOptions = true},
     {.word = "xyce",
      .title = "Xyce",
