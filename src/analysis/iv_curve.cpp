@@ -72,15 +72,20 @@ double endSlope(IvCurve& result, std::size_t segment, Trend trend) {
   return 0.0;
 }
 
+// How far an end goes on, so that its far point is another one even at absurd voltages.
+double farReach(double end) { return std::max(reach, std::fabs(end)); }
+
 void addFarPoints(IvCurve& result, Trend trend) {
   Curve& curve = result.curve;
   const bool isConstant = curve.size() == 1;
   const double first = isConstant ? 0.0 : endSlope(result, 0, trend);
   const double last = isConstant ? 0.0 : endSlope(result, curve.size() - 2, trend);
-  curve.x.insert(curve.x.begin(), curve.x.front() - reach);
-  curve.y.insert(curve.y.begin(), curve.y.front() - first * reach);
-  curve.x.push_back(curve.x.back() + reach);
-  curve.y.push_back(curve.y.back() + last * reach);
+  const double below = farReach(curve.x.front());
+  const double above = farReach(curve.x.back());
+  curve.x.insert(curve.x.begin(), curve.x.front() - below);
+  curve.y.insert(curve.y.begin(), curve.y.front() - first * below);
+  curve.x.push_back(curve.x.back() + above);
+  curve.y.push_back(curve.y.back() + last * above);
 }
 
 bool isMonotonic(const Curve& curve, Trend trend) {

@@ -95,6 +95,11 @@ TEST(IvCurve, OnePointIsAConstant) {
   EXPECT_EQ(valueAt(read.curve, -50.0), 0.5);
 }
 
+TEST(IvCurve, AFarPointOfAHugeVoltageIsAnotherOne) {
+  const IvCurve read = makeIvCurve(table({0.0, 1e12}, {0.0, 1.0}), corner::typ, Trend::rises);
+  EXPECT_EQ(read.curve.x, (std::vector<double>{-100.0, 0.0, 1e12, 2e12}));
+}
+
 TEST(IvCurve, NumbersThatCannotBeCalculatedWithAreLeftOut) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
   const IvCurve read =
