@@ -40,24 +40,6 @@ LoadRequest toLoadRequest(const ConversionRequest& request) {
   return load;
 }
 
-// A load does not say why it cannot read a file; a person wants to know.
-Diagnostic reasonUnread(const std::string& source) {
-  std::error_code fault;
-  const fs::file_status status = fs::status(source, fault);
-  // This comes first, since opening a pipe would wait for its writer.
-  if (fs::exists(status) && !fs::is_regular_file(status)) {
-    return tell(Severity::error, message::notRegular);
-  }
-  std::FILE* file = nullptr;
-  if (const int number = openFile(&file, source.c_str(), "rb"); number != 0) {
-    return tell(Severity::error, message::cannotOpenFile,
-                std::generic_category().message(number).c_str());
-  }
-  std::fclose(file);
-  const bool isTooLarge = fs::file_size(source, fault) >= std::numeric_limits<std::int32_t>::max();
-  return tell(Severity::error, isTooLarge ? message::fileTooLarge : message::cannotReadFile);
-}
-
 // Without a name the files would be called ".lb" and "_INFO.html".
 void nameSubcircuit(Load& load) {
   const IBISComponent* component = load.chosenComponent();
@@ -130,6 +112,24 @@ void warnOfModels(const Load& load, Conversion& result) {
 }
 
 }  // namespace
+
+// A load does not say why it cannot read a file; a person wants to know.
+Diagnostic reasonUnread(const std::string& source) {
+  std::error_code fault;
+  const fs::file_status status = fs::status(source, fault);
+  // This comes first, since opening a pipe would wait for its writer.
+  if (fs::exists(status) && !fs::is_regular_file(status)) {
+    return tell(Severity::error, message::notRegular);
+  }
+  std::FILE* file = nullptr;
+  if (const int number = openFile(&file, source.c_str(), "rb"); number != 0) {
+    return tell(Severity::error, message::cannotOpenFile,
+                std::generic_category().message(number).c_str());
+  }
+  std::fclose(file);
+  const bool isTooLarge = fs::file_size(source, fault) >= std::numeric_limits<std::int32_t>::max();
+  return tell(Severity::error, isTooLarge ? message::fileTooLarge : message::cannotReadFile);
+}
 
 Conversion failure(Diagnostic reason) {
   Conversion result;

@@ -545,15 +545,14 @@ void writeCorner(Plan& plan, int corner, Export& result) {
 
 Export exportFile(const ExportRequest& request) {
   Export result;
-  ExportSource source;
-  readForExport(source, request.source, request.selections);
-  if (!source.wasRead) {
-    result.errors.push_back(tell(Severity::error, message::cannotOpenFile, request.source.c_str()));
+  const Document source = readForExport(request.source, request.selections);
+  if (auto refusal = findRefusal(source, request.source)) {
+    result.errors.push_back(std::move(*refusal));
     return result;
   }
-  addUnread(result, source.data());
+  addUnread(result, source.file());
   Plan plan{.request = request,
-            .data = source.data(),
+            .data = source.file(),
             .dialect = *findDialect(request.format),
             .component = nullptr,
             .entries = {},

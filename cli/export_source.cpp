@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include "conversion.h"
+#include "host/diagnostics/messages.h"
 #include "model/model_types.h"
-#include "reader/file/parser.h"
-#include "support/files.h"
 
 namespace ibis::cli {
 namespace {
@@ -18,18 +18,16 @@ constexpr CornerRow corners[] = {{"typ", corner::typ}, {"min", corner::min}, {"m
 
 }  // namespace
 
-void readForExport(ExportSource& source, const std::string& path,
-                   const std::vector<std::string>& selections) {
-  source.wasRead = source.text.loadFile(path, fopen_s_utf8);
-  if (!source.wasRead) return;
-  for (const std::string& each : selections) {
-    source.file.addUserModelSelector(each);
-  }
-  source.file.setFilePath(sp_GetFullPath(path.c_str()).text());
-  source.scanner.emplace(source.text.text());
-  parseFile(source.file, *source.scanner);
-  source.scanner->dropPiece();
-  postParse(source.file, {}, {});
+Document readForExport(const std::string& path, const std::vector<std::string>& selections) {
+  return read(path, {.newerVersions = true, .keepGoing = true, .selections = selections});
+}
+
+std::optional<Diagnostic> findRefusal(const Document& document, const std::string& path) {
+  const std::vector<Diagnostic>& errors = document.file().errors;
+  if (errors.empty()) return std::nullopt;
+  const bool isUnread =
+      findMessageById(errors.front().id) == findMessage(ibis::message::cannotOpenSource);
+  return isUnread ? reasonUnread(path) : errors.front();
 }
 
 bool isDevice(const IBISModel& model) {

@@ -4,25 +4,15 @@
 #include <string>
 #include <vector>
 
-#include "reader/file/file.h"
-#include "reader/scanner.h"
-#include "reader/text/text_buffer.h"
+#include "ibis/document.h"
 
 namespace ibis::cli {
 
-/// A file that was read for export, with all that its records point into.
-struct ExportSource {
-  TextBuffer text;
-  std::optional<IBISScanner> scanner;
-  IBISFile file;
-  bool wasRead = false;  ///< Whether the file could be opened and read whole.
+/// Reads a file as far as it can be read; what was left out stands in its warnings.
+Document readForExport(const std::string& path, const std::vector<std::string>& selections);
 
-  const IBISFileData& data() const { return file.data(); }
-};
-
-/// Reads a file as far as it can be read; what was left out stands in its errors and warnings.
-void readForExport(ExportSource& source, const std::string& path,
-                   const std::vector<std::string>& selections);
+/// Why there is nothing to export in a file; none if there is something.
+std::optional<Diagnostic> findRefusal(const Document& document, const std::string& path);
 
 /// The models of a file that stand for a device, in file order.
 std::vector<const IBISModel*> devicesOf(const IBISFileData& data);

@@ -204,13 +204,10 @@ int runVerify(const VerifyOptions& options) {
   } catch (const SimulatorFault& fault) {
     return refuse(tell(Severity::error, message::workFailed, fault.what()));
   }
-  ExportSource source;
-  readForExport(source, options.source, {});
-  if (!source.wasRead) {
-    return refuse(tell(Severity::error, message::cannotOpenFile, options.source.c_str()));
-  }
+  const Document source = readForExport(options.source, {});
+  if (const auto refusal = findRefusal(source, options.source)) return refuse(*refusal);
   std::vector<std::string> unknown;
-  const auto models = devicesNamed(source.data(), options.models, unknown);
+  const auto models = devicesNamed(source.file(), options.models, unknown);
   for (const std::string& name : unknown) {
     return refuse(tell(Severity::error, message::noSuchModel, name.c_str()));
   }

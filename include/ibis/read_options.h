@@ -1,5 +1,8 @@
 #pragma once
 
+#include <string>
+#include <vector>
+
 namespace ibis {
 
 /// What a reader accepts beyond the rules of a simulator's load.
@@ -10,6 +13,10 @@ struct ReadOptions {
 
   /// What a load refuses is left out, or read as far as the records go, with a warning.
   bool keepGoing = false;
+
+  /// Descriptions of [Model Selector] rows in the order of preference: the model of a row that has
+  /// one of them stands for its selector. Without one it is the selector's first row.
+  std::vector<std::string> selections = {};
 };
 
 }  // namespace ibis

@@ -22,6 +22,7 @@ struct Document::Content {
 };
 
 void Document::Content::readRecords(const ReadOptions& options) {
+  for (const std::string& selection : options.selections) file.addUserModelSelector(selection);
   scanner.emplace(text.text(), IBISScanner::usualPiece, options.newerVersions);
   parseFile(file, *scanner, options);
   scanner->dropPiece();

@@ -5,7 +5,7 @@
 namespace ibis::testing {
 namespace {
 
-constexpr ReadOptions everything{.newerVersions = true, .keepGoing = true};
+const ReadOptions everything{.newerVersions = true, .keepGoing = true};
 
 std::string driver(const std::string& name, const std::string& more = {}) {
   return "[Model] " + name + "\nModel_type Output\n" + more +
@@ -221,6 +221,21 @@ TEST(Document, ReadsSoundModelsAsWithoutOptions) {
       EXPECT_TRUE(b.isSound);
     }
   }
+}
+
+TEST(Document, TakesTheModelThatASelectionDescribes) {
+  const std::string text =
+      "[IBIS Ver] 4.2\n[Component] Part\n[Pin] signal_name model_name\n1 S Speed\n"
+      "[Model Selector] Speed\nDrv slow edges\nFast fast edges\n" +
+      driver("Drv") + driver("Fast") + "[End]\n";
+  const auto modelOfPin = [](const Document& document) {
+    return document.file().components[0]->pins[0].model->name.str();
+  };
+  EXPECT_EQ(modelOfPin(readText(text)), "Drv");
+  EXPECT_EQ(modelOfPin(readText(text, {.selections = {"fast edges"}})), "Fast");
+  const Document unknown = readText(text, {.keepGoing = true, .selections = {"no edges"}});
+  EXPECT_FALSE(unknown.hasErrors());
+  EXPECT_EQ(texts(unknown.diagnostics())[0], "Model selector 'no edges' not found in IBIS file");
 }
 
 TEST(Document, TakesAnyBytes) {
