@@ -106,6 +106,8 @@ Options:
 
 Subcommands:
   convert                     Convert IBIS files, in the way that MODE tells.
+  export                      Write models as plain SPICE for open simulators.
+  verify                      Export models, simulate them and compare with the file.
   call                        Call the plug-in as a host does: JSON arguments in, JSON result out.
 
 Exit status: 0 done; 1 errors, or nothing written; 2 usage error.
