@@ -76,10 +76,12 @@ void addChoiceOptions(CLI::App& command, ExportRequest& request) {
 
 void addPackageOptions(CLI::App& command, ExportRequest& request) {
   command
-      .add_option("--package", request.package,
-                  "What stands between die and pin: none, pins (default) or coupled")
+      .add_option_function<std::string>(
+          "--package",
+          [&request](const std::string& word) { request.package = packageWords.at(word); },
+          "What stands between die and pin: none, pins (default) or coupled")
       ->type_name("KIND")
-      ->transform(CLI::CheckedTransformer(packageWords).description(""));
+      ->check(CLI::IsMember(packageWords).description(""));
   command
       .add_option("--min-coupling", request.smallestCoupling,
                   "Smallest inductive coupling that is written")

@@ -49,16 +49,6 @@ struct FileDraft {
   std::map<const IBISModel*, std::size_t> deviceOf;
 };
 
-Diagnostic asWarning(Diagnostic diagnostic) {
-  diagnostic.severity = Severity::warning;
-  return diagnostic;
-}
-
-void addUnread(Export& result, const IBISFileData& data) {
-  for (const Diagnostic& each : data.warnings) result.warnings.push_back(each);
-  for (const Diagnostic& each : data.errors) result.warnings.push_back(asWarning(each));
-}
-
 void warn(Export& result, FileDraft& draft, Diagnostic diagnostic) {
   draft.warnings.push_back(diagnostic.text);
   result.warnings.push_back(std::move(diagnostic));
@@ -550,7 +540,7 @@ Export exportFile(const ExportRequest& request) {
     result.errors.push_back(std::move(*refusal));
     return result;
   }
-  addUnread(result, source.file());
+  result.warnings = source.file().warnings;
   Plan plan{.request = request,
             .data = source.file(),
             .dialect = *findDialect(request.format),

@@ -165,6 +165,12 @@ void printJson(const std::vector<ModelResult>& results, int status) {
   std::cout << jsonLine(object);
 }
 
+std::string checkLimit(const std::string& text) {
+  double limit = 0.0;
+  const bool isPositive = CLI::detail::lexical_cast(text, limit) && limit > 0.0;
+  return isPositive ? "" : '\'' + text + "' is not a number above 0";
+}
+
 int refuse(const Diagnostic& diagnostic) {
   std::cerr << "ibis-load: error: " << diagnostic.text << '\n';
   return exitStatus::failed;
@@ -185,7 +191,7 @@ CLI::App* addVerifyCommand(CLI::App& program, VerifyOptions& options) {
       ->allow_extra_args(false);
   command->add_option("--limit", options.limit, "Largest error that passes, in per cent")
       ->type_name("PERCENT")
-      ->check(CLI::PositiveNumber)
+      ->check(checkLimit)
       ->capture_default_str();
   command->add_option("-j,--jobs", options.jobs, "Runs side by side; 0 for one a core")
       ->type_name("N")
