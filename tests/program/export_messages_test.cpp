@@ -1,0 +1,389 @@
+// Each message of the program's own table that an export tells.
+
+#include <algorithm>
+
+#include "export_files.h"
+#include "finding_messages.h"
+#include "harness/harness.h"
+
+namespace ibis::testing {
+namespace {
+
+using cli::Export;
+using cli::ExportRequest;
+using Diagnostics = std::vector<Diagnostic>;
+
+// The model stands on line 2.
+const std::string modelHead = "[IBIS Ver] 4.2\n[Model] m\n";
+const std::string range = "[Voltage Range] 2 NA NA\n";
+const std::string clamp = "[GND Clamp]\n-2 -0.2 NA NA\n0 0 NA NA\n";
+
+// Drivers of 10 ohm to each rail, so that a load of 50 ohm to a rail takes 1/6 of the supply.
+const std::string pulls =
+    "[Pulldown]\n-2 -0.2 NA NA\n4 0.4 NA NA\n[Pullup]\n-2 0.2 NA NA\n4 -0.4 NA NA\n";
+const std::string ramp = "[Ramp]\ndV/dt_r 1/1n NA NA\ndV/dt_f 1/1n NA NA\n";
+const std::string output = "Model_type Output\nC_comp 0 0 0\n" + range + pulls + ramp;
+
+std::string input(const std::string& more) {
+  return "Model_type Input\nVinl = 0.8\nVinh = 1.2\nC_comp 1p NA NA\n" + range + more;
+}
+
+std::string waveform(const std::string& edge, const std::string& fixture, const std::string& rows) {
+  return "[" + edge + " Waveform]\nR_fixture = 50\nV_fixture = " + fixture + "\n" + rows;
+}
+
+std::string onLow(const std::string& rows) { return waveform("Rising", "0", rows); }
+std::string onHigh(const std::string& rows) { return waveform("Rising", "2", rows); }
+
+// What the tables and coefficients that go straight from one level to the other make.
+const std::string risingOnLow = "0 0 NA NA\n1n 0 NA NA\n2n 1.6666667 NA NA\n4n 1.6666667 NA NA\n";
+const std::string risingOnHigh = "0 0.3333333 NA NA\n1n 0.3333333 NA NA\n2n 2 NA NA\n4n 2 NA NA\n";
+const std::string goodRising = onLow(risingOnLow) + onHigh(risingOnHigh);
+const std::string goodFalling =
+    waveform("Falling", "0", "0 1.6666667 NA NA\n1n 1.6666667 NA NA\n2n 0 NA NA\n4n 0 NA NA\n") +
+    waveform("Falling", "2", "0 2 NA NA\n1n 2 NA NA\n2n 0.3333333 NA NA\n4n 0.3333333 NA NA\n");
+
+const std::string estimated =
+    "Model m: Estimated waveform as no waveform data in model file. Waveform may deviate "
+    "substantially from actual device";
+
+const std::string receiver =
+    "[Model] in\nModel_type Input\nVinl = 0.8\nVinh = 1.2\nC_comp 1p NA NA\n[Voltage Range] 2 NA "
+    "NA\n";
+
+// The component stands on line 2.
+std::string component(const std::string& pins, const std::string& more = {}) {
+  return "[IBIS Ver] 4.2\n[Component] part\n[Manufacturer] maker\n" + more +
+         "[Package]\nR_pkg 1 NA NA\nL_pkg 1n NA NA\nC_pkg 1p NA NA\n[Pin] signal_name "
+         "model_name\n" +
+         pins;
+}
+
+// A package model of the pins 1 and 2 with these matrices.
+std::string packageModel(const std::string& resistance, const std::string& inductance,
+                         const std::string& capacitance) {
+  return "[Define Package Model] pack\n[Manufacturer] maker\n[OEM] maker\n[Description] two pins\n"
+         "[Number Of Pins] 2\n[Pin Numbers]\n1\n2\n[Model Data]\n[Resistance Matrix] "
+         "Sparse_matrix\n" +
+         resistance + "[Inductance Matrix] Sparse_matrix\n" + inductance +
+         "[Capacitance Matrix] Sparse_matrix\n" + capacitance +
+         "[End Model Data]\n[End Package Model]\n";
+}
+
+const std::string plainResistance = "[Row] 1\n1 0.1\n[Row] 2\n2 0.1\n";
+const std::string plainInductance = "[Row] 1\n1 4n\n2 1n\n[Row] 2\n2 4n\n";
+const std::string plainCapacitance = "[Row] 1\n1 2p\n2 -1p\n[Row] 2\n2 2p\n";
+
+class ExportMessages : public ::testing::Test {
+ protected:
+  Export exported(const std::string& text, ExportRequest request) const {
+    request.source = folder_.write("part.ibs", text + "[End]\n");
+    if (request.folder == ".") request.folder = folder_.file("out");
+    return cli::exportFile(request);
+  }
+
+  Diagnostics errorsOf(const std::string& text, const ExportRequest& request = {}) const {
+    const Export result = exported(text, request);
+    EXPECT_MESSAGES(result.warnings);
+    EXPECT_EQ(result.files, Texts());
+    for (const Diagnostic& each : result.errors) EXPECT_EQ(each.line, 0);
+    return result.errors;
+  }
+
+  Diagnostics warningsOf(const std::string& text, const ExportRequest& request = {}) const {
+    const Export result = exported(text, request);
+    EXPECT_MESSAGES(result.errors);
+    EXPECT_EQ(result.files.size(), 1u);
+    for (const Diagnostic& each : result.warnings) EXPECT_EQ(each.severity, Severity::warning);
+    return result.warnings;
+  }
+
+  // What is told of the component's coupled package.
+  Diagnostics packageWarnings(const std::string& model,
+                              const std::string& pins = "1 A in\n2 B in\n",
+                              ExportRequest request = {}) const {
+    request.package = cli::PackageKind::coupled;
+    const Diagnostics warnings =
+        warningsOf(component(pins, "[Package Model] pack\n") + receiver + model, request);
+    for (const Diagnostic& each : warnings) EXPECT_EQ(each.line, 0);
+    return warnings;
+  }
+
+  // What is told of a model alone; each message has the model's line.
+  Diagnostics modelWarnings(const std::string& model, const std::string& corner = "typ") const {
+    ExportRequest request;
+    request.allModels = true;
+    request.corners = {corner};
+    const Diagnostics warnings = warningsOf(modelHead + model, request);
+    for (const Diagnostic& each : warnings) EXPECT_EQ(each.line, 2) << each.text;
+    return warnings;
+  }
+
+  TemporaryFolder folder_;
+};
+
+TEST_F(ExportMessages, TellOfAModelThatIsNotThere) {
+  ExportRequest request;
+  request.models = {"none", "m"};
+  EXPECT_MESSAGES(errorsOf(modelHead + input(clamp), request),
+                  "The file has no model 'none' that can be exported");
+}
+
+TEST_F(ExportMessages, TellOfAComponentThatIsNotThere) {
+  ExportRequest request;
+  request.component = "other";
+  EXPECT_MESSAGES(errorsOf(component("1 A in\n") + receiver, request),
+                  "The file has no component 'other'");
+}
+
+TEST_F(ExportMessages, TellOfAPinThatIsNotThere) {
+  ExportRequest request;
+  request.pins = {"1", "7"};
+  EXPECT_MESSAGES(errorsOf(component("1 A in\n") + receiver, request),
+                  "Component 'part' has no pin '7'");
+}
+
+TEST_F(ExportMessages, TellOfAPartWithoutDevices) {
+  EXPECT_MESSAGES(errorsOf(component("1 A GND\n2 B POWER\n")),
+                  "Nothing to export: no driver, receiver or terminator is left");
+}
+
+TEST_F(ExportMessages, TellOfAFileThatCannotBeWritten) {
+  std::filesystem::create_directories(folder_.file("out/part_typ.inc/inside"));
+  EXPECT_MESSAGES(errorsOf(component("1 A in\n") + receiver),
+                  "Cannot write file '" + folder_.file("out/part_typ.inc") + "'");
+}
+
+TEST_F(ExportMessages, TellOfMoreCouplingsThanAnyoneWants) {
+  constexpr int count = 25;
+  std::string pins;
+  std::string numbers;
+  std::string inductance;
+  for (int i = 1; i <= count; ++i) {
+    const std::string name = std::to_string(i);
+    pins += name + " S in\n";
+    numbers += name + "\n";
+    inductance += "[Row] " + name + "\n" + name + " 4n\n";
+    if (i < count) inductance += std::to_string(i + 1) + " 1n\n";
+  }
+  const std::string model =
+      "[Define Package Model] pack\n[Manufacturer] maker\n[OEM] maker\n[Description] many\n"
+      "[Number Of Pins] 25\n[Pin Numbers]\n" +
+      numbers + "[Model Data]\n[Inductance Matrix] Sparse_matrix\n" + inductance +
+      "[End Model Data]\n[End Package Model]\n";
+  ExportRequest request;
+  request.package = cli::PackageKind::coupled;
+  const std::string text = component(pins, "[Package Model] pack\n") + receiver + model;
+  EXPECT_MESSAGES(errorsOf(text, request),
+                  "The coupled package of 25 pins would make 24 couplings; choose pins with -p, or "
+                  "the smallest coupling with --min-coupling");
+  request.hasSmallestCoupling = true;
+  EXPECT_MESSAGES(warningsOf(text, request));
+}
+
+TEST_F(ExportMessages, TellOfABenchWithoutADriver) {
+  ExportRequest request;
+  request.hasBench = true;
+  const Diagnostics warnings = warningsOf(component("1 A in\n") + receiver, request);
+  EXPECT_MESSAGES(warnings, "No bench: none of the models is a driver");
+  EXPECT_EQ(warnings.at(0).line, 0);
+}
+
+TEST_F(ExportMessages, TellOfAPackageModelThatIsNotThere) {
+  ExportRequest request;
+  request.package = cli::PackageKind::coupled;
+  EXPECT_MESSAGES(warningsOf(component("1 A in\n") + receiver, request),
+                  "Component 'part' has no package model; the pins' own values are used");
+}
+
+TEST_F(ExportMessages, TellOfAPinThatThePackageModelLacks) {
+  EXPECT_MESSAGES(packageWarnings(packageModel(plainResistance, plainInductance, plainCapacitance),
+                                  "1 A in\n2 B in\n3 C in\n"),
+                  "Pin '3' is not in the package model; its own values are used");
+}
+
+TEST_F(ExportMessages, TellOfCouplingsThatAreSmall) {
+  const std::string model =
+      packageModel(plainResistance, "[Row] 1\n1 4n\n2 10p\n[Row] 2\n2 4n\n", plainCapacitance);
+  EXPECT_MESSAGES(packageWarnings(model),
+                  "Package model 'pack': 1 couplings below 0.01 are left out");
+}
+
+TEST_F(ExportMessages, TellOfResistancesBetweenPins) {
+  EXPECT_MESSAGES(packageWarnings(packageModel("[Row] 1\n1 0.1\n2 0.01\n[Row] 2\n2 0.1\n",
+                                               plainInductance, plainCapacitance)),
+                  "Package model 'pack': 1 resistances between pins are left out");
+}
+
+TEST_F(ExportMessages, TellOfInductancesThatNoNetworkHas) {
+  EXPECT_MESSAGES(
+      packageWarnings(
+          packageModel(plainResistance, "[Row] 1\n1 4n\n2 8n\n[Row] 2\n2 4n\n", plainCapacitance)),
+      "Package model 'pack': the inductances are not those of a passive network; all couplings are "
+      "multiplied by 0.4995");
+}
+
+TEST_F(ExportMessages, TellOfCapacitancesThatNoNetworkHas) {
+  EXPECT_MESSAGES(
+      packageWarnings(
+          packageModel(plainResistance, plainInductance, "[Row] 1\n1 1p\n2 -2p\n[Row] 2\n2 1p\n")),
+      "Package model 'pack': the capacitances are not those of a passive network; 2 negative ones "
+      "are left out");
+}
+
+TEST_F(ExportMessages, TellOfAPinsOwnNegativeValue) {
+  EXPECT_MESSAGES(packageWarnings(packageModel("[Row] 1\n1 -0.1\n[Row] 2\n2 0.1\n", plainInductance,
+                                               plainCapacitance)),
+                  "Package model 'pack': a pin's own value is negative and left out");
+}
+
+TEST_F(ExportMessages, TellOfCellsThatATableLeavesOut) {
+  EXPECT_MESSAGES(
+      modelWarnings(input("[GND Clamp]\n-3 -3 -3 NA\n-2 -2 NA NA\n-1 -1 NA NA\n0 0 0 NA\n"), "min"),
+      "Model 'm', min: 2 cells that a table leaves out are interpolated");
+}
+
+TEST_F(ExportMessages, TellOfATableThatIsNotMonotonic) {
+  EXPECT_MESSAGES(
+      modelWarnings(input("[GND Clamp]\n-3 -3 NA NA\n-2 -1 NA NA\n-1 -2 NA NA\n0 0 NA NA\n")),
+      "Model 'm', typ: a table is not monotonic; there may be several operating points");
+}
+
+TEST_F(ExportMessages, TellOfATablesEndThatIsHeld) {
+  EXPECT_MESSAGES(modelWarnings(input("[GND Clamp]\n-2 -2 NA NA\n0 0 NA NA\n1 -1e-7 NA NA\n")),
+                  "Model 'm', typ: a table ends with a slope of the wrong sign; its end is held");
+}
+
+TEST_F(ExportMessages, TellOfAClampThatCarriesTooMuch) {
+  EXPECT_MESSAGES(modelWarnings(input("[GND Clamp]\n-2 -250 NA NA\n0 0 NA NA\n")),
+                  "Model 'm', typ: a clamp carries up to 250 A");
+}
+
+TEST_F(ExportMessages, TellOfADriverWithoutATable) {
+  EXPECT_MESSAGES(
+      modelWarnings("Model_type Output\nC_comp 0 0 0\n" + range +
+                    "[Pulldown]\n-2 -0.2 NA NA\n4 0.4 NA NA\n" + ramp),
+      "Line 2: Model 'm' no pullup definition has been provided",
+      "Model 'm', typ: a driver lacks its pullup or pulldown table",
+      "Model 'm', typ, rising edge: no usable waveform; a smooth step of 1e-09 s is used",
+      "Model 'm', typ, falling edge: no usable waveform; a smooth step of 1e-09 s is used");
+}
+
+TEST_F(ExportMessages, AreNotForADriverWithNothingToTell) {
+  EXPECT_MESSAGES(modelWarnings(output + goodRising + goodFalling));
+}
+
+TEST_F(ExportMessages, TellOfRowsWithoutAVoltage) {
+  const std::string rows =
+      "0 0 0 NA\n1n 0 0 NA\n1.5n 0.8333333 NA NA\n2n 1.6666667 1.6666667 NA\n"
+      "3n 1.6666667 NA NA\n4n 1.6666667 1.6666667 NA\n";
+  const std::string other =
+      "0 0.3333333 0.3333333 NA\n1n 0.3333333 0.3333333 NA\n2n 2 2 NA\n"
+      "4n 2 2 NA\n";
+  EXPECT_MESSAGES(modelWarnings(output + onLow(rows) + onHigh(other), "min"),
+                  "Model 'm', min, rising edge: 2 waveform rows without a voltage are left out",
+                  "Model 'm', min, falling edge: no usable waveform; a smooth step of 1e-09 s is "
+                  "used");
+}
+
+TEST_F(ExportMessages, TellOfWaveformsThatCannotBeUsed) {
+  EXPECT_MESSAGES(
+      modelWarnings(output + goodRising + waveform("Rising", "1", "0 1 NA NA\n4n 1 NA NA\n") +
+                    waveform("Rising", "1", "0 1 NA NA\n") + goodFalling),
+      "Model 'm', typ, rising edge: 2 waveforms are too short or too small to be used");
+}
+
+TEST_F(ExportMessages, TellOfASingleWaveform) {
+  EXPECT_MESSAGES(
+      modelWarnings(output + onLow(risingOnLow) + goodFalling),
+      "Model 'm', typ, rising edge: only one usable waveform; other loads may be far off");
+}
+
+TEST_F(ExportMessages, TellOfWaveformsThatContradictEachOther) {
+  const std::string late =
+      "0 0.3333333 NA NA\n1n 0.3333333 NA NA\n3n 0.3333333 NA NA\n4n 2 NA NA\n5n 2 NA NA\n";
+  EXPECT_MESSAGES(modelWarnings(output + onHigh(late) + onLow(risingOnLow) + goodFalling),
+                  "Model 'm', typ, rising edge: the waveforms contradict each other; only number 1 "
+                  "is used",
+                  "Model 'm', typ, rising edge: only one usable waveform; other loads may be far "
+                  "off");
+}
+
+TEST_F(ExportMessages, TellOfAWaveformThatJumps) {
+  const std::string jump =
+      "0 0 NA NA\n1p 0.8333333 NA NA\n1n 1.6666667 NA NA\n4n 1.6666667 NA NA\n";
+  EXPECT_MESSAGES(
+      modelWarnings(output + onLow(jump) + goodFalling),
+      "Model 'm', typ, rising edge: a waveform passes 50.2491 % of its swing at once at "
+      "its start",
+      "Model 'm', typ, rising edge: only one usable waveform; other loads may be far "
+      "off");
+}
+
+TEST_F(ExportMessages, TellOfACornerWithoutWaveforms) {
+  EXPECT_MESSAGES(modelWarnings(output + goodRising + goodFalling, "max"),
+                  "Model 'm', max, rising edge: no waveforms of this corner; the coefficients are "
+                  "those of typ",
+                  "Model 'm', max, falling edge: no waveforms of this corner; the coefficients are "
+                  "those of typ");
+}
+
+TEST_F(ExportMessages, TellOfAnEstimateThatMissesTheTables) {
+  const std::string clampInside = "[POWER Clamp]\n-4 1 NA NA\n2 0 NA NA\n";
+  EXPECT_MESSAGES(
+      modelWarnings(output + clampInside), estimated,
+      "Model 'm', typ, rising edge: the estimated waveforms miss the tables by 69.7695 % of their "
+      "swing and are not used",
+      "Model 'm', typ, rising edge: no usable waveform; a smooth step of 1e-09 s is used",
+      "Model 'm', typ, falling edge: the estimated waveforms miss the tables by 69.7703 % of their "
+      "swing and are not used",
+      "Model 'm', typ, falling edge: no usable waveform; a smooth step of 1e-09 s is used");
+}
+
+TEST_F(ExportMessages, TellOfAnEdgeThatNothingTells) {
+  EXPECT_MESSAGES(
+      modelWarnings("Model_type Output\nC_comp 0 0 0\n" + range + pulls), estimated,
+      "Model 'm', typ, rising edge: neither waveform nor ramp; a smooth step of 1e-09 s is assumed",
+      "Model 'm', typ, falling edge: neither waveform nor ramp; a smooth step of 1e-09 s is "
+      "assumed");
+}
+
+TEST_F(ExportMessages, TellOfWaveformsThatDoNotEndAtTheTablesLevels) {
+  const std::string low = "0 0 NA NA\n1n 0 NA NA\n2n 1.25 NA NA\n4n 1.25 NA NA\n";
+  EXPECT_MESSAGES(
+      modelWarnings(output + onLow(low) + onHigh(risingOnHigh) + goodFalling),
+      "Model 'm', typ, rising edge: the coefficients end 0.666667 away from the settled "
+      "ones; the waveforms have not settled, or the tables do not belong to them",
+      "Model 'm', typ, rising edge: the levels of the waveforms miss the tables by "
+      "33.3333 % of the swing");
+}
+
+TEST_F(ExportMessages, TellOfANegativeCapacitance) {
+  EXPECT_MESSAGES(
+      modelWarnings("Model_type Input\nVinl = 0.8\nVinh = 1.2\nC_comp -1p NA NA\n" + range + clamp),
+      "Model 'm', typ: the capacitance -1e-12 F is negative and left out");
+}
+
+TEST_F(ExportMessages, TellOfThresholdsThatAreNotGiven) {
+  EXPECT_MESSAGES(modelWarnings("Model_type Input\nC_comp 1p NA NA\n" + range + clamp),
+                  "Model 'm': Vinl not defined using default 0.8V",
+                  "Model 'm': Vinh not defined using default 2.0V",
+                  "Model 'm', typ: input thresholds are not given; the usual ones are taken");
+}
+
+TEST_F(ExportMessages, TellOfThresholdsThatAreSwapped) {
+  EXPECT_MESSAGES(
+      modelWarnings("Model_type Input\nVinl = 1.5\nVinh = 1\nC_comp 1p NA NA\n" + range + clamp),
+      "Model 'm', typ: Vinl is not below Vinh; the receiver switches at 1.25 V");
+}
+
+TEST_F(ExportMessages, TellOfATableWithoutAReference) {
+  EXPECT_MESSAGES(modelWarnings("Model_type Input\nVinl = 0.8\nVinh = 1.2\nC_comp 1p NA NA\n"
+                                "[POWER Clamp]\n-2 0.2 NA NA\n0 0 NA NA\n"),
+                  "Model 'm': No power clamp reference or voltage range defined",
+                  "Model 'm', typ: a table has neither a reference nor a voltage range; 0 V is "
+                  "taken");
+}
+
+}  // namespace
+}  // namespace ibis::testing
