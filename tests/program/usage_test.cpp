@@ -145,6 +145,31 @@ TEST(Usage, TheHelpOfConvertTellsOfEachOptionModeAndStatus) {
   }
 }
 
+TEST(Usage, TheHelpOfExportTellsOfEachOptionAndStatus) {
+  const Outcome result = run({"export", "--help"});
+  EXPECT_EQ(result.status, 0);
+  for (const std::string text :
+       {"Usage: ibis-load export [OPTIONS] FILE\n", "\n  -f,--format SIMULATOR",
+        "\n  --corner CORNER", "\n  -c,--component COMPONENT", "\n  -p,--pin PIN ...",
+        "\n  --model NAME ...", "\n  --all-models ", "\n  --select DESCRIPTION ...",
+        "\n  --package KIND ", "\n  --min-coupling K", "\n  --bench ", "\n  -o,--output DIR",
+        "\n  --json ", "\n  -q,--quiet ", "\n  --werror ", "\nExit status: 0 files written",
+        "\nExamples:\n"}) {
+    EXPECT_THAT(result.out, HasSubstr(text));
+  }
+}
+
+TEST(Usage, TheHelpOfVerifyTellsOfEachOptionAndStatus) {
+  const Outcome result = run({"verify", "--help"});
+  EXPECT_EQ(result.status, 0);
+  for (const std::string text :
+       {"Usage: ibis-load verify [OPTIONS] FILE\n", "\n  --model NAME ...", "\n  --corner CORNER",
+        "\n  --limit PERCENT", "\n  -j,--jobs N", "\n  --coarse ", "\n  --json ",
+        "\nExit status: 0 all within the limit", "\nExamples:\n"}) {
+    EXPECT_THAT(result.out, HasSubstr(text));
+  }
+}
+
 TEST(Usage, TheHelpOfCallTellsOfTheRequestAndTheResult) {
   const Outcome result = run({"call", "--help"});
   EXPECT_EQ(result.status, 0);
