@@ -1,10 +1,8 @@
 #include "conversion.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <exception>
 #include <filesystem>
-#include <limits>
 #include <optional>
 #include <system_error>
 
@@ -14,7 +12,7 @@
 #include "messages.h"
 #include "model/estimate_waveforms.h"
 #include "model_checks.h"
-#include "reader/text/open_file.h"
+#include "source_fault.h"
 
 namespace ibis::cli {
 namespace {
@@ -112,24 +110,6 @@ void warnOfModels(const Load& load, Conversion& result) {
 }
 
 }  // namespace
-
-// A load does not say why it cannot read a file; a person wants to know.
-Diagnostic reasonUnread(const std::string& source) {
-  std::error_code fault;
-  const fs::file_status status = fs::status(source, fault);
-  // This comes first, since opening a pipe would wait for its writer.
-  if (fs::exists(status) && !fs::is_regular_file(status)) {
-    return tell(Severity::error, message::notRegular);
-  }
-  std::FILE* file = nullptr;
-  if (const int number = openFile(&file, source.c_str(), "rb"); number != 0) {
-    return tell(Severity::error, message::cannotOpenFile,
-                std::generic_category().message(number).c_str());
-  }
-  std::fclose(file);
-  const bool isTooLarge = fs::file_size(source, fault) >= std::numeric_limits<std::int32_t>::max();
-  return tell(Severity::error, isTooLarge ? message::fileTooLarge : message::cannotReadFile);
-}
 
 Conversion failure(Diagnostic reason) {
   Conversion result;

@@ -28,9 +28,6 @@ struct Conversion {
 /// A conversion that wrote nothing.
 Conversion failure(Diagnostic reason);
 
-/// Why a file that a load passed over could not be read.
-Diagnostic reasonUnread(const std::string& source);
-
 /// Reads the file and writes what the mode asks for, unless an error stands.
 Conversion convert(const ConversionRequest& request);
 

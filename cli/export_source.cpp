@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "conversion.h"
 #include "host/diagnostics/messages.h"
 #include "model/model_types.h"
+#include "source_fault.h"
 
 namespace ibis::cli {
 namespace {

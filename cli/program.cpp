@@ -8,6 +8,7 @@
 #include "exit_status.h"
 #include "export_command.h"
 #include "ibis/exception.h"
+#include "list_command.h"
 #include "verify_command.h"
 
 namespace ibis::cli {
@@ -16,6 +17,7 @@ namespace {
 constexpr const char* details = R"(Exit status: 0 done; 1 errors, or nothing written; 2 usage error.
 
 Examples:
+  ibis-load list buffer.ibs
   ibis-load convert buffer.ibs -o out
   ibis-load convert --help)";
 
@@ -25,12 +27,14 @@ int runCommandLine(int count, char** words) {
   program.require_subcommand(1);
   program.footer(details);
   ConvertOptions convertOptions;
+  ListOptions listOptions;
   CallOptions callOptions;
   ExportOptions exportOptions;
   VerifyOptions verifyOptions;
   const CLI::App* convertCommand = addConvertCommand(program, convertOptions);
   const CLI::App* exportCommand = addExportCommand(program, exportOptions);
   const CLI::App* verifyCommand = addVerifyCommand(program, verifyOptions);
+  const CLI::App* listCommand = addListCommand(program, listOptions);
   addCallCommand(program, callOptions);
   try {
     program.parse(count, words);
@@ -39,6 +43,7 @@ int runCommandLine(int count, char** words) {
   }
   if (exportCommand->parsed()) return runExport(exportOptions);
   if (verifyCommand->parsed()) return runVerify(verifyOptions);
+  if (listCommand->parsed()) return runList(listOptions);
   return convertCommand->parsed() ? runConvert(convertOptions) : runCall(callOptions);
 }
 

@@ -2,18 +2,28 @@
 
 #include "exit_status.h"
 #include "json_line.h"
+#include "printable.h"
 
 namespace ibis::cli {
 namespace {
 
 using nlohmann::ordered_json;
 
+// A name or a text of the file may hold what moves the cursor.
+void appendLine(std::string& text, const std::string& source, std::int32_t line, const char* kind,
+                const std::string& said) {
+  text.append(printable(source)).append(":");
+  if (line > 0) text.append(std::to_string(line)).append(":");
+  text.append(kind).append(printable(said)).append("\n");
+}
+
 void appendList(std::string& text, const std::string& source, const std::vector<Diagnostic>& list) {
   for (const Diagnostic& message : list) {
-    text.append(source).append(":");
-    if (message.line > 0) text.append(std::to_string(message.line)).append(":");
-    text.append(message.severity == Severity::error ? " error: " : " warning: ");
-    text.append(message.text).append("\n");
+    appendLine(text, source, message.line,
+               message.severity == Severity::error ? " error: " : " warning: ", message.text);
+    for (const Note& note : message.notes) {
+      appendLine(text, source, note.line, " note: ", note.text);
+    }
   }
 }
 
@@ -23,6 +33,12 @@ ordered_json toJson(const std::vector<Diagnostic>& list) {
     ordered_json& item = array.emplace_back();
     item["line"] = message.line > 0 ? ordered_json(message.line) : ordered_json();
     item["text"] = message.text;
+    if (message.notes.empty()) continue;
+    ordered_json& notes = item["notes"] = ordered_json::array();
+    for (const Note& note : message.notes) {
+      notes.push_back({{"line", note.line > 0 ? ordered_json(note.line) : ordered_json()},
+                       {"text", note.text}});
+    }
   }
   return array;
 }
@@ -49,8 +65,14 @@ std::string messageText(const std::string& source, const Conversion& conversion)
   return text;
 }
 
+std::string messageText(const std::string& source, const std::vector<Diagnostic>& list) {
+  std::string text;
+  appendList(text, source, list);
+  return text;
+}
+
 void printSummary(std::ostream& out, const Conversion& conversion) {
-  for (const std::string& name : conversion.files) out << name << '\n';
+  for (const std::string& name : conversion.files) out << printable(name) << '\n';
   out << counted(conversion.warnings.size(), "warning") << ", "
       << counted(conversion.errors.size(), "error") << '\n';
 }

@@ -15,6 +15,9 @@ int exitStatusOf(const Conversion& conversion, bool warningsFail);
 /// standard error writes each piece by itself.
 std::string messageText(const std::string& source, const Conversion& conversion);
 
+/// The same of a list.
+std::string messageText(const std::string& source, const std::vector<Diagnostic>& list);
+
 /// Writes the names of the files and the counts of messages.
 void printSummary(std::ostream& out, const Conversion& conversion);
 

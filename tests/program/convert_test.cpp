@@ -215,7 +215,7 @@ TEST(Convert, JsonReplacesBytesThatAreNotUtf8) {
   EXPECT_EQ(json::parse(result.out)["errors"][0]["text"],
             "Model referenced by pin '\uFFFD\uFFFD' has not been defined");
   EXPECT_EQ(result.err,
-            source + ":4: error: Model referenced by pin '\xff\xe2\x82' has not been defined\n");
+            source + ":4: error: Model referenced by pin '\\xFF\\xE2\\x82' has not been defined\n");
 }
 
 TEST(Convert, WarningsAsErrorsChangeTheStatusAlone) {

@@ -13,6 +13,7 @@
 #include "plugin.h"
 #include "program/texts.h"
 #include "source_list.h"
+#include "tolerant_reading.h"
 
 namespace ibis::testing {
 namespace {
@@ -174,6 +175,12 @@ TEST_F(ProgramMessages, TellOfAnOutputThatIsTheInput) {
   request.subcircuit = "dut";
   EXPECT_MESSAGES(errorsOf(request),
                   "Output file '" + request.source + "' is the input file itself");
+}
+
+TEST_F(ProgramMessages, TellOfAFileThatHoldsNothing) {
+  const std::string source = folder_.write("part.ibs", "no IBIS at all");
+  EXPECT_MESSAGES(cli::readTolerantly(source).errors,
+                  "The file holds no component, model, selector or package model");
 }
 
 TEST_F(ProgramMessages, TellOfAFolderThatCannotBeMade) {

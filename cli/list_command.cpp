@@ -1,0 +1,105 @@
+#include "list_command.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+
+#include "exit_status.h"
+#include "json_line.h"
+#include "list_report.h"
+#include "record_json.h"
+#include "report.h"
+#include "source_list.h"
+
+namespace ibis::cli {
+namespace {
+
+using nlohmann::ordered_json;
+
+constexpr const char* details =
+    R"(Standard output: for each file its version, revision and date, then tables of
+components, models, selectors and package models, the models that convert refuses,
+each with the reason, and what else is refused or left out.
+Standard error: why a file cannot be listed.
+
+A folder stands for every file in it and in its folders whose name ends in .ibs in any
+case. Files of versions above 4.2 are read as far as version 4.2 goes; what convert
+refuses is passed over and named.
+
+Exit status: 0 all listed; 1 a file could not be read, or holds nothing to list;
+2 wrong use.
+
+Examples:
+  ibis-load list buffer.ibs
+      tells what the file holds
+  ibis-load list vendor
+      tells it of every .ibs file below vendor
+  ibis-load list hub.ibs --json | jq -r '.models[].name'
+      prints the names of the models)";
+
+// A file that holds nothing has a reading all the same.
+TolerantReading readSource(const Source& source) {
+  if (!source.fault) return readTolerantly(source.name);
+  return {.document = {}, .leftOut = {}, .errors = {*source.fault}};
+}
+
+ordered_json fileJson(const std::string& name, const TolerantReading& reading) {
+  ordered_json object;
+  object["schema"] = jsonSchema;
+  object["file"] = name;
+  object["status"] = reading.errors.empty() ? exitStatus::done : exitStatus::failed;
+  if (reading.document) object.update(listJson(reading));
+  object["errors"] = diagnosticsJson(reading.errors);
+  return object;
+}
+
+class Listing {
+ public:
+  explicit Listing(bool asJson, bool isArray) : asJson_(asJson), isArray_(isArray) {}
+
+  void add(const Source& source) {
+    const TolerantReading reading = readSource(source);
+    if (!reading.errors.empty()) status_ = exitStatus::failed;
+    std::cerr << messageText(source.name, reading.errors);
+    if (asJson_) {
+      std::cout << (isArray_ ? isFirst_ ? "[" : ",\n" : "")
+                << jsonText(fileJson(source.name, reading));
+    } else if (reading.document && reading.errors.empty()) {
+      std::cout << (isFirst_ ? "" : "\n") << listText(source.name, reading);
+    } else {
+      return;
+    }
+    isFirst_ = false;
+  }
+
+  int finish() const {
+    if (asJson_) std::cout << (isArray_ ? "]\n" : "\n");
+    return status_;
+  }
+
+ private:
+  bool asJson_;
+  bool isArray_;
+  bool isFirst_ = true;
+  int status_ = exitStatus::done;
+};
+
+}  // namespace
+
+CLI::App* addListCommand(CLI::App& program, ListOptions& options) {
+  CLI::App* command =
+      program.add_subcommand("list", "List components, models, selectors and packages of files.");
+  command->add_option("FILE", options.sources, "IBIS files, or folders of them")
+      ->type_name("")
+      ->required();
+  command->add_flag("--json", options.asJson, "List as JSON on standard output");
+  command->footer(details);
+  return command;
+}
+
+int runList(const ListOptions& options) {
+  Listing listing(options.asJson, areManyFiles(options.sources));
+  for (const Source& source : listSources(options.sources, ".")) listing.add(source);
+  return listing.finish();
+}
+
+}  // namespace ibis::cli

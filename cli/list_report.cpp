@@ -1,0 +1,233 @@
+#include "list_report.h"
+
+#include <set>
+#include <utility>
+
+#include "file_summary.h"
+#include "printable.h"
+#include "quantity.h"
+#include "reader/vocabulary.h"
+#include "record_json.h"
+#include "text_table.h"
+
+namespace ibis::cli {
+namespace {
+
+using nlohmann::ordered_json;
+
+constexpr std::size_t indent = 2;
+
+std::string text(IBISString value) { return printable(value.view()); }
+
+std::string orDash(std::string value) { return value.empty() ? "-" : value; }
+
+void addSection(std::string& out, const std::string& title, const TextTable& table) {
+  if (!table.empty()) out += '\n' + title + ":\n" + table.text();
+}
+
+// So many names, and how many further ones there are.
+std::string pinNames(const std::vector<PinGroup>& groups, bool namesComponent) {
+  constexpr std::size_t most = 12;
+  std::string out;
+  std::size_t told = 0;
+  for (const PinGroup& group : groups) {
+    if (told >= most) break;
+    if (namesComponent) {
+      out += (out.empty() ? "" : "; ") + text(group.component->name) + ':';
+    }
+    for (const IBISPin* pin : group.pins) {
+      if (told++ >= most) break;
+      out += (out.empty() ? "" : " ") + text(pin->name);
+    }
+  }
+  const std::size_t count = pinCount(groups);
+  if (count > most) out += " and " + std::to_string(count - most) + " more";
+  return out;
+}
+
+std::string headLine(const std::string& source, const IBISFileData& file) {
+  std::string line = printable(source) + ": ";
+  line += file.version == 0 ? "no known version" : "IBIS " + versionText(file.version).str();
+  if (!file.fileRev.empty()) line += ", revision " + text(file.fileRev);
+  if (!file.date.empty()) line += ", " + text(file.date);
+  return wrapped(line, 0, indent) + '\n';
+}
+
+TextTable componentTable(const IBISFileData& file) {
+  TextTable table(indent);
+  if (file.components.empty()) return table;
+  table.add({"name", "pins", "package model", "manufacturer"});
+  for (const auto& component : file.components) {
+    table.add({orDash(text(component->name)), std::to_string(component->pins.size()),
+               orDash(text(component->packageModelName)), orDash(text(component->manufacturer))});
+  }
+  return table;
+}
+
+std::string usersText(const ModelSummary& summary, bool namesComponent) {
+  std::string out = pinNames(summary.users, namesComponent);
+  for (const IBISModelSelector* selector : summary.selectors) {
+    out += (out.empty() ? "by " : ", by ") + text(selector->name);
+  }
+  return orDash(std::move(out));
+}
+
+TextTable modelTable(const FileSummary& summary, bool namesComponent) {
+  TextTable table(indent);
+  if (summary.models.empty()) return table;
+  table.add({"name", "type", "supply", "waveforms", "pins"});
+  for (const ModelSummary& each : summary.models) {
+    const IBISModel& model = *each.model;
+    const IBISTriple* supply = supplyOf(model);
+    table.add({orDash(text(model.name)), modelTypeRow(model.type).name,
+               supply == nullptr ? "-" : quantity(supply->typ, "V"), waveformOrigin(model),
+               usersText(each, namesComponent)});
+  }
+  return table;
+}
+
+TextTable selectorTable(const FileSummary& summary, bool namesComponent) {
+  TextTable table(indent);
+  if (summary.selectors.empty()) return table;
+  table.add({"name", "choice", "description"});
+  for (const SelectorSummary& each : summary.selectors) {
+    bool isFirst = true;
+    for (const IBISModelSelectorRow& row : each.selector->rows) {
+      table.add({isFirst ? text(each.selector->name) : "", text(row.modelName),
+                 orDash(text(row.description))});
+      isFirst = false;
+    }
+    table.add({isFirst ? text(each.selector->name) : "", "",
+               "pins: " + orDash(pinNames(each.users, namesComponent))});
+  }
+  return table;
+}
+
+TextTable packageTable(const IBISFileData& file) {
+  TextTable table(indent);
+  if (file.packageModels.empty()) return table;
+  table.add({"name", "pins", "manufacturer"});
+  for (const auto& package : file.packageModels) {
+    table.add({orDash(text(package->name)), std::to_string(package->numberOfPins),
+               orDash(text(package->manufacturer))});
+  }
+  return table;
+}
+
+TextTable refusalTable(const FileSummary& summary) {
+  TextTable table(indent);
+  for (const ModelSummary& each : summary.models) {
+    if (each.model->isSound) continue;
+    std::string reasons;
+    for (const Diagnostic& reason : each.reasons) {
+      reasons += (reasons.empty() ? "line " : "; line ") + std::to_string(reason.line) + ": " +
+                 printable(reason.text);
+    }
+    table.add({orDash(text(each.model->name)), orDash(reasons)});
+  }
+  return table;
+}
+
+// Without what stands at a model as a reason against it.
+TextTable leftOutTable(const std::vector<Diagnostic>& leftOut, const FileSummary& summary) {
+  TextTable table(indent);
+  std::set<std::pair<std::int32_t, std::string_view>> told;
+  for (const ModelSummary& each : summary.models) {
+    for (const Diagnostic& reason : each.reasons) told.emplace(reason.line, reason.text);
+  }
+  for (const Diagnostic& each : leftOut) {
+    if (told.contains({each.line, each.text})) continue;
+    table.add({each.line > 0 ? "line " + std::to_string(each.line) : "-", printable(each.text)});
+  }
+  return table;
+}
+
+ordered_json componentJson(const IBISComponent& component) {
+  ordered_json item;
+  item["name"] = component.name.view();
+  item["manufacturer"] = textOrNull(component.manufacturer);
+  item["pins"] = component.pins.size();
+  item["diffPins"] = component.diffPins.size();
+  item["packageModel"] = textOrNull(component.packageModelName);
+  ordered_json& pins = item["pinsWithoutModel"] = ordered_json::array();
+  for (const IBISPin* pin : pinsWithoutModel(component)) pins.push_back(pin->name.view());
+  return item;
+}
+
+ordered_json modelJson(const ModelSummary& summary) {
+  const IBISModel& model = *summary.model;
+  ordered_json item;
+  item["name"] = model.name.view();
+  item["line"] = model.lineNumber;
+  item["type"] = modelTypeRow(model.type).name;
+  item["supply"] = tripleJson(supplyOf(model));
+  item["waveforms"] = waveformOrigin(model);
+  item["risingWaveforms"] = model.risingWaveforms.size();
+  item["fallingWaveforms"] = model.fallingWaveforms.size();
+  item["users"] = usersJson(summary.users);
+  ordered_json& selectors = item["selectors"] = ordered_json::array();
+  for (const IBISModelSelector* selector : summary.selectors) {
+    selectors.push_back(selector->name.view());
+  }
+  item["convertible"] = model.isSound;
+  item["reasons"] = diagnosticsJson(summary.reasons);
+  return item;
+}
+
+ordered_json selectorJson(const SelectorSummary& summary) {
+  ordered_json item;
+  item["name"] = summary.selector->name.view();
+  item["users"] = usersJson(summary.users);
+  ordered_json& choices = item["choices"] = ordered_json::array();
+  for (const IBISModelSelectorRow& row : summary.selector->rows) {
+    choices.push_back({{"model", row.modelName.view()}, {"description", row.description.view()}});
+  }
+  return item;
+}
+
+ordered_json packageJson(const IBISPackageModel& package) {
+  ordered_json item;
+  item["name"] = package.name.view();
+  item["line"] = package.line;
+  item["manufacturer"] = textOrNull(package.manufacturer);
+  item["pins"] = package.numberOfPins;
+  return item;
+}
+
+}  // namespace
+
+std::string listText(const std::string& source, const TolerantReading& reading) {
+  const IBISFileData& file = reading.document->file();
+  const FileSummary summary = summarize(reading);
+  const bool namesComponent = file.components.size() > 1;
+  std::string out = headLine(source, file);
+  addSection(out, "Components", componentTable(file));
+  addSection(out, "Models", modelTable(summary, namesComponent));
+  addSection(out, "Selectors", selectorTable(summary, namesComponent));
+  addSection(out, "Package models", packageTable(file));
+  addSection(out, "Models that cannot be converted", refusalTable(summary));
+  addSection(out, "Refused or left out", leftOutTable(reading.leftOut, summary));
+  return out;
+}
+
+ordered_json listJson(const TolerantReading& reading) {
+  const IBISFileData& file = reading.document->file();
+  const FileSummary summary = summarize(reading);
+  ordered_json object;
+  addHeaderJson(object, file);
+  for (const char* key : {"components", "models", "selectors", "packageModels"}) {
+    object[key] = ordered_json::array();
+  }
+  for (const auto& each : file.components) object["components"].push_back(componentJson(*each));
+  for (const ModelSummary& each : summary.models) object["models"].push_back(modelJson(each));
+  for (const SelectorSummary& each : summary.selectors) {
+    object["selectors"].push_back(selectorJson(each));
+  }
+  for (const auto& each : file.packageModels) {
+    object["packageModels"].push_back(packageJson(*each));
+  }
+  object["leftOut"] = diagnosticsJson(reading.leftOut);
+  return object;
+}
+
+}  // namespace ibis::cli
