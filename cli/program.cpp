@@ -9,6 +9,7 @@
 #include "export_command.h"
 #include "ibis/exception.h"
 #include "list_command.h"
+#include "show_command.h"
 #include "verify_command.h"
 
 namespace ibis::cli {
@@ -18,6 +19,7 @@ constexpr const char* details = R"(Exit status: 0 done; 1 errors, or nothing wri
 
 Examples:
   ibis-load list buffer.ibs
+  ibis-load show buffer.ibs out_24mA
   ibis-load convert buffer.ibs -o out
   ibis-load convert --help)";
 
@@ -28,6 +30,7 @@ int runCommandLine(int count, char** words) {
   program.footer(details);
   ConvertOptions convertOptions;
   ListOptions listOptions;
+  ShowOptions showOptions;
   CallOptions callOptions;
   ExportOptions exportOptions;
   VerifyOptions verifyOptions;
@@ -35,6 +38,7 @@ int runCommandLine(int count, char** words) {
   const CLI::App* exportCommand = addExportCommand(program, exportOptions);
   const CLI::App* verifyCommand = addVerifyCommand(program, verifyOptions);
   const CLI::App* listCommand = addListCommand(program, listOptions);
+  const CLI::App* showCommand = addShowCommand(program, showOptions);
   addCallCommand(program, callOptions);
   try {
     program.parse(count, words);
@@ -44,6 +48,7 @@ int runCommandLine(int count, char** words) {
   if (exportCommand->parsed()) return runExport(exportOptions);
   if (verifyCommand->parsed()) return runVerify(verifyOptions);
   if (listCommand->parsed()) return runList(listOptions);
+  if (showCommand->parsed()) return runShow(showOptions);
   return convertCommand->parsed() ? runConvert(convertOptions) : runCall(callOptions);
 }
 

@@ -183,6 +183,16 @@ TEST_F(ProgramMessages, TellOfAFileThatHoldsNothing) {
                   "The file holds no component, model, selector or package model");
 }
 
+// Each has a run of the program in the tests of its command.
+TEST_F(ProgramMessages, TellOfNamesThatNothingHas) {
+  EXPECT_MESSAGES(Diagnostics({cli::tell(Severity::error, cli::message::nothingCalled, "x")}),
+                  "Nothing in the file is called 'x'");
+  EXPECT_MESSAGES(Diagnostics({cli::tell(Severity::error, cli::message::noModelCalled, "x")}),
+                  "No model is called 'x'");
+  EXPECT_MESSAGES(Diagnostics({cli::tell(Severity::error, cli::message::noTableCalled, "x", "y")}),
+                  "Model 'x' has no table or waveform 'y'");
+}
+
 TEST_F(ProgramMessages, TellOfAFolderThatCannotBeMade) {
   ConversionRequest request;
   request.folder = "/dev/null/out";

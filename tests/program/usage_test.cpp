@@ -109,12 +109,14 @@ Subcommands:
   export                      Write models as plain SPICE for open simulators.
   verify                      Export models, simulate them and compare with the file.
   list                        List components, models, selectors and packages of files.
+  show                        Show a model, pin or component in full, or write one table as CSV.
   call                        Call the plug-in as a host does: JSON arguments in, JSON result out.
 
 Exit status: 0 done; 1 errors, or nothing written; 2 usage error.
 
 Examples:
   ibis-load list buffer.ibs
+  ibis-load show buffer.ibs out_24mA
   ibis-load convert buffer.ibs -o out
   ibis-load convert --help
 )");
