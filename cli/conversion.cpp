@@ -6,12 +6,14 @@
 #include <optional>
 #include <system_error>
 
+#include "advice.h"
 #include "host/diagnostics/messages.h"
 #include "host/load_sequence.h"
 #include "interruption.h"
 #include "messages.h"
 #include "model/estimate_waveforms.h"
 #include "model_checks.h"
+#include "pin_requests.h"
 #include "source_fault.h"
 
 namespace ibis::cli {
@@ -38,6 +40,25 @@ LoadRequest toLoadRequest(const ConversionRequest& request) {
   return load;
 }
 
+// The components whose pins an output holds.
+std::vector<const IBISComponent*> writtenComponents(const Load& load,
+                                                    const ConversionRequest& request) {
+  std::vector<const IBISComponent*> components;
+  if (load.mode() == OutputMode::script && request.component.empty()) {
+    for (const auto& each : load.file().data().components) components.push_back(each.get());
+  } else if (const IBISComponent* component = load.chosenComponent()) {
+    components.push_back(component);
+  }
+  return components;
+}
+
+// A load passes over a pin that is not there, and would write an output without it.
+void addPinErrors(Load& load, const ConversionRequest& request) {
+  for (Diagnostic& error : checkPins(request.pins, writtenComponents(load, request))) {
+    load.file().data().errors.push_back(std::move(error));
+  }
+}
+
 // Without a name the files would be called ".lb" and "_INFO.html".
 void nameSubcircuit(Load& load) {
   const IBISComponent* component = load.chosenComponent();
@@ -62,7 +83,11 @@ std::optional<Diagnostic> findObstacle(const Load& load, const ConversionRequest
   const IBISFileData& file = load.file().data();
   const IBISComponent* component = load.chosenComponent();
   const Output* output = findOutput(load.mode());
-  if (component == nullptr) return tell(Severity::error, message::noComponent);
+  if (component == nullptr) {
+    Diagnostic error = tell(Severity::error, message::noComponent);
+    adviseOnNothing(error, load.text());
+    return error;
+  }
   const OutputPlace place{.rootDirectory = request.folder,
                           .subcircuit = file.userSubcircuitName.str(),
                           .spiceComponentName = component->spiceName.str()};
@@ -124,10 +149,12 @@ Conversion convert(const ConversionRequest& request) {
   try {
     load.read();
     if (!load.sourceWasRead()) return failure(reasonUnread(request.source));
+    addPinErrors(load, request);
     if (!load.file().hasErrors()) obstacle = write(load, request, result);
   } catch (const std::exception& fault) {
     load.file().error(ibis::message::loadFailed, fault.what());
   }
+  Adviser(load.text(), load.file().data()).advise(load.file().data().errors);
   result.warnings = std::move(load.file().data().warnings);
   result.errors = std::move(load.file().data().errors);
   if (obstacle) result.errors.push_back(std::move(*obstacle));

@@ -42,7 +42,7 @@ std::size_t distance(std::string_view from, std::string_view to) {
 }  // namespace
 
 std::vector<std::string> nearNames(std::string_view name, const std::vector<std::string>& names) {
-  const std::size_t most = std::max<std::size_t>(1, name.size() / 3);
+  const std::size_t most = std::max<std::size_t>(1, (name.size() + 1) / 3);
   std::vector<std::pair<std::size_t, std::string>> near;
   if (name.empty() || name.size() > longestName) return {};
   for (const std::string& each : names) {

@@ -59,7 +59,13 @@ void Load::read() {
     file_.error(message::cannotOpenSource, "");
     return;
   }
-  sourceWasRead_ = text_.loadFile(request_.source, fopen_s_utf8);
+  if (request_.text) {
+    text_.assign(*request_.text);
+    text_.convertLineEnds();
+    sourceWasRead_ = true;
+  } else {
+    sourceWasRead_ = text_.loadFile(request_.source, fopen_s_utf8);
+  }
   if (sourceWasRead_) readSource();
   if (!component_.empty()) checkComponent();
   if (mode_ == OutputMode::unknown) file_.error(message::unknownMode);
@@ -74,10 +80,14 @@ void Load::takeOptions() {
 
 void Load::readSource() {
   file_.setFilePath(sp_GetFullPath(request_.source.c_str()).text());
-  scanner_.emplace(text_.text());
-  parseFile(file_, *scanner_);
+  scanner_.emplace(text_.text(), IBISScanner::usualPiece, request_.reading.newerVersions);
+  parseFile(file_, *scanner_, request_.reading);
   scanner_->dropPiece();
-  if (!file_.hasErrors()) postParse(file_, component_, pinFilter_);
+  if (!file_.hasErrors()) {
+    if (request_.adapt) request_.adapt(file_.data());
+    postParse(file_, component_, pinFilter_);
+  }
+  file_.tolerateErrors(false);
 }
 
 void Load::checkComponent() {

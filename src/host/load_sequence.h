@@ -1,10 +1,12 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "ibis/read_options.h"
 #include "output/outputs.h"
 #include "reader/file/file.h"
 #include "reader/scanner.h"
@@ -21,6 +23,10 @@ struct LoadRequest {
   std::string subcircuit = {};         ///< Name of the subcircuit; empty if the caller gives none.
   std::vector<std::string> pins = {};  ///< Names of the pins wanted; empty for all.
   std::vector<std::string> selections = {};  ///< Descriptions of selector rows, with escapes.
+  ReadOptions reading = {};                  ///< What a person may allow and no host asks for.
+  std::optional<std::string> text = {};      ///< In place of the file's own; none for a host.
+  /// Called once between reading and resolving; none for a host.
+  std::function<void(IBISFileData&)> adapt = {};
 };
 
 /// One load: the file with its faults, and the text that its records point into.
@@ -43,6 +49,9 @@ class Load {
 
   /// Whether the source could be opened and read whole.
   bool sourceWasRead() const { return sourceWasRead_; }
+
+  /// The text of the source, as far as it was read.
+  std::string_view text() const { return text_.text(); }
 
   /// Names of the files written that hold a number that is not finite.
   const std::vector<std::string>& nonFiniteFiles() const { return nonFiniteFiles_; }

@@ -215,7 +215,8 @@ TEST(Convert, JsonReplacesBytesThatAreNotUtf8) {
   EXPECT_EQ(json::parse(result.out)["errors"][0]["text"],
             "Model referenced by pin '\uFFFD\uFFFD' has not been defined");
   EXPECT_EQ(result.err,
-            source + ":4: error: Model referenced by pin '\\xFF\\xE2\\x82' has not been defined\n");
+            source + ":4: error: Model referenced by pin '\\xFF\\xE2\\x82' has not been defined\n" +
+                source + ": note: the pin names model 'none'\n");
 }
 
 TEST(Convert, WarningsAsErrorsChangeTheStatusAlone) {
@@ -239,7 +240,8 @@ TEST(Convert, NothingIsWrittenForAFileWithErrors) {
   const Outcome result = convert({source, "-o", folder.file("out")});
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.out, "0 warnings, 1 error\n");
-  EXPECT_EQ(result.err, source + ":12: error: Model referenced by pin '1' has not been defined\n");
+  EXPECT_EQ(result.err, source + ":12: error: Model referenced by pin '1' has not been defined\n" +
+                            source + ": note: the pin names model 'in'\n");
   EXPECT_THAT(folder.names(), ElementsAre("bad.ibs"));
 }
 

@@ -169,7 +169,9 @@ TEST(ManyFiles, ABadFileStopsNoOther) {
                             "4 inputs: 1 written, 3 failed; 1 file, 0 warnings, 3 errors\n");
   EXPECT_EQ(result.err,
             "lib/a.ibs:12: error: Model referenced by pin '1' has not been defined\n"
+            "lib/a.ibs: note: the pin names model 'in'\n"
             "lib/b.ibs: error: The file has no component\n"
+            "lib/b.ibs: note: it is empty\n"
             "missing.ibs: error: Cannot open the file: No such file or directory\n");
   EXPECT_THAT(library.written(), ElementsAre("c/BUF_1.lb"));
 }

@@ -25,14 +25,16 @@ Told convertText(const std::string& text, const std::vector<std::string>& option
 
 TEST(Messages, ALineInFrontMovesBehindTheFile) {
   EXPECT_EQ(convertText(partText).messages,
-            "part.ibs:12: error: Model referenced by pin '1' has not been defined\n");
+            "part.ibs:12: error: Model referenced by pin '1' has not been defined\n"
+            "part.ibs: note: the pin names model 'in'\n");
 }
 
 TEST(Messages, ALineAtTheEndOfTheTextIsRepeatedInFront) {
   const std::string package = "[Define Package Model] P\n[Model Data]\n";
   const std::string matrix = "[Resistance Matrix] Round_matrix\n[End Model Data]\n";
   EXPECT_EQ(convertText(partText + receiverText + package + matrix).messages,
-            "part.ibs:21: error: Unknown matrix type 'Round_matrix' at line 21\n");
+            "part.ibs:21: error: Unknown matrix type 'Round_matrix' at line 21\n"
+            "part.ibs: note: did you mean 'Full_matrix'?\n");
 }
 
 TEST(Messages, TheStartOfATableIsALineToo) {
@@ -64,7 +66,9 @@ TEST(Messages, ABuiltInModelDoesNotHideTheFilesModelOfItsName) {
 
 TEST(Messages, ALineThatTheTextDoesNotTellStandsInFront) {
   EXPECT_EQ(convertText("\n[IBIS Ver] 5.1\n").messages,
-            "part.ibs:2: error: Version '5.1' not supported. Aborting IBIS\n");
+            "part.ibs:2: error: Version '5.1' not supported. Aborting IBIS\n"
+            "part.ibs: note: versions 1.0 to 4.2 are read; --as-version 4.2 reads as far as that "
+            "goes\n");
 }
 
 TEST(Messages, WarningsStandAheadOfErrors) {
@@ -81,13 +85,16 @@ TEST(Messages, TheFileIsNamedAsTheCallerNamesIt) {
   folder.write("part.ibs", partText);
   const Outcome result = run({"convert", ".//part.ibs"}, {.folder = folder.path()});
   EXPECT_EQ(result.err,
-            ".//part.ibs:12: error: Model referenced by pin '1' has not been defined\n");
+            ".//part.ibs:12: error: Model referenced by pin '1' has not been defined\n"
+            ".//part.ibs: note: the pin names model 'in'\n");
 }
 
 TEST(Messages, AComponentThatIsNotThereIsAnError) {
   const Told told = convertText(bufferText, {"-c", "NONE"});
   EXPECT_EQ(told.status, 1);
-  EXPECT_EQ(told.messages, "part.ibs: error: Component name 'NONE' not found in IBIS file\n");
+  EXPECT_EQ(told.messages,
+            "part.ibs: error: Component name 'NONE' not found in IBIS file\n"
+            "part.ibs: note: the file has BUF-1\n");
 }
 
 // The second corner of the ramp is so fast that the steps of it would never end on the third.
@@ -136,7 +143,9 @@ TEST(Messages, OtherModesHoldNoWaveformsToWarnOf) {
 TEST(Messages, ASelectionThatIsNotThereIsAnError) {
   const Told told = convertText(bufferText, {"--select", R"(a\sb)"});
   EXPECT_EQ(told.status, 1);
-  EXPECT_EQ(told.messages, "part.ibs: error: Model selector 'a\\sb' not found in IBIS file\n");
+  EXPECT_EQ(told.messages,
+            "part.ibs: error: Model selector 'a\\sb' not found in IBIS file\n"
+            "part.ibs: note: the file has no model selectors\n");
 }
 
 // A driver without a pullup and without waveforms, whose levels while it is off are all equal.
@@ -248,13 +257,15 @@ TEST(BadInput, AFileWithoutAComponentSaysSo) {
   for (const std::string text : {"", "[IBIS Ver] 4.2\n[End]\n", "[Model] in\n", "no IBIS at all"}) {
     const Told told = convertText(text);
     EXPECT_EQ(told.status, 1) << text;
-    EXPECT_EQ(told.messages, "part.ibs: error: The file has no component\n") << text;
+    const std::string note = text.empty() ? "part.ibs: note: it is empty\n" : "";
+    EXPECT_EQ(told.messages, "part.ibs: error: The file has no component\n" + note) << text;
   }
 }
 
 TEST(BadInput, AFileOfNulsHasNoComponent) {
   EXPECT_EQ(convertText(std::string(5000, '\0')).messages,
-            "part.ibs: error: The file has no component\n");
+            "part.ibs: error: The file has no component\n"
+            "part.ibs: note: it looks like UTF-16 text or other binary data\n");
 }
 
 TEST(BadInput, AComponentWithoutAFileNameNeedsASubcircuitsName) {

@@ -177,6 +177,15 @@ TEST_F(ProgramMessages, TellOfAnOutputThatIsTheInput) {
                   "Output file '" + request.source + "' is the input file itself");
 }
 
+TEST_F(ProgramMessages, TellOfAPinThatNoComponentHas) {
+  ConversionRequest request;
+  request.pins = {"X"};
+  EXPECT_MESSAGES(errorsOf(bufferText, request), "Component 'BUF-1' has no pin 'X'");
+  request.mode = "script";
+  const std::string two = "[IBIS Ver] 4.2\n[Component] A\n[Component] B\n";
+  EXPECT_MESSAGES(errorsOf(two, request), "No component has a pin 'X'");
+}
+
 TEST_F(ProgramMessages, TellOfAFileThatHoldsNothing) {
   const std::string source = folder_.write("part.ibs", "no IBIS at all");
   EXPECT_MESSAGES(cli::readTolerantly(source).errors,

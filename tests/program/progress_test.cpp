@@ -111,7 +111,8 @@ TEST_F(Progress, MakesRoomForMessages) {
   EXPECT_THAT(
       shownOn(80, folder, {"a.ibs", "gone.ibs"}),
       MatchesRegex("0 of 2 files: a\\.ibs\r" + wiped(19) + moreLines +
-                   "a\\.ibs: error: The file has no component\r\n" + moreLines +
+                   "a\\.ibs: error: The file has no component\r\na\\.ibs: note: it is empty\r\n" +
+                   moreLines +
                    "gone\\.ibs: error: Cannot open the file: No such file or directory\r\n" +
                    moreLines));
 }

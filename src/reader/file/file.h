@@ -24,7 +24,9 @@ class IBISFile final : public IBISErrorHandler {
   void warning(const char* format, ...) override IBIS_PRINTF_FORMAT(2, 3);
 
   /// From now on errors count as warnings, for a caller that accepts an incomplete file.
-  void tolerateErrors() { errorSeverity_ = Severity::warning; }
+  void tolerateErrors(bool tolerate = true) {
+    errorSeverity_ = tolerate ? Severity::warning : Severity::error;
+  }
 
   bool hasErrors() const;
   std::int32_t errorCount() const;
