@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "call_command.h"
+#include "command_word.h"
 #include "convert_command.h"
 #include "exit_status.h"
 #include "export_command.h"
@@ -23,9 +24,18 @@ Examples:
   ibis-load convert buffer.ibs -o out
   ibis-load convert --help)";
 
+std::vector<std::string> namesOf(const CLI::App& program) {
+  std::vector<std::string> names;
+  for (const CLI::App* command : program.get_subcommands([](const CLI::App*) { return true; })) {
+    names.push_back(command->get_name());
+  }
+  return names;
+}
+
 int runCommandLine(int count, char** words) {
   CLI::App program("Turns IBIS files into SPICE libraries.", "ibis-load");
-  program.set_version_flag("--version", IBIS_LOAD_VERSION, "Print the version and exit");
+  program.set_version_flag("-V,--version", "ibis-load " IBIS_LOAD_VERSION,
+                           "Print the version and exit");
   program.require_subcommand(1);
   program.footer(details);
   ConvertOptions convertOptions;
@@ -40,6 +50,11 @@ int runCommandLine(int count, char** words) {
   const CLI::App* listCommand = addListCommand(program, listOptions);
   const CLI::App* showCommand = addShowCommand(program, showOptions);
   addCallCommand(program, callOptions);
+  if (const std::string fault = faultOfCommandWord({words + 1, words + count}, namesOf(program));
+      !fault.empty()) {
+    std::cerr << fault;
+    return exitStatus::wrongUse;
+  }
   try {
     program.parse(count, words);
   } catch (const CLI::ParseError& end) {

@@ -14,7 +14,7 @@ const std::string seeHelp = "Run with --help for more information.\n";
 TEST(Usage, TheVersionIsOneLine) {
   const Outcome result = run({"--version"});
   EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(result.out, "0.1.0\n");
+  EXPECT_EQ(result.out, "ibis-load 0.1.0\n");
   EXPECT_EQ(result.err, "");
 }
 
@@ -23,7 +23,6 @@ TEST(Usage, WrongUseEndsInStatusTwoAndSaysWhy) {
     std::vector<std::string> words;
     std::string reason;
   } cases[] = {
-      {{}, "A subcommand is required"},
       {{"--unknown"}, "A subcommand is required"},
       {{"convert"}, "FILE is required"},
       {{"convert", "a.ibs", "--unknown"}, "The following argument was not expected: --unknown"},
@@ -60,6 +59,35 @@ TEST(Usage, WrongUseEndsInStatusTwoAndSaysWhy) {
   }
 }
 
+TEST(Usage, AWordThatIsNoCommandSaysWhichWasMeant) {
+  const TemporaryFolder folder;
+  folder.write("part", "");
+  const std::string rest =
+      "\nThe commands are convert, export, verify, list, show, call.\n" + seeHelp;
+  const struct {
+    std::vector<std::string> words;
+    std::string fault;
+  } cases[] = {
+      {{}, "a command is missing"},
+      {{"conver", "a.ibs"}, "'conver' is not a command; did you mean 'convert'?"},
+      {{"SHOW"}, "'SHOW' is not a command; did you mean 'show'?"},
+      {{"frobnicate"}, "'frobnicate' is not a command"},
+      {{"help"}, "'help' is not a command; did you mean 'ibis-load --help'?"},
+      {{"a.ibs"},
+       "'a.ibs' is not a command; did you mean 'ibis-load convert a.ibs' or 'ibis-load list "
+       "a.ibs'?"},
+      {{"part"},
+       "'part' is not a command; did you mean 'ibis-load convert part' or 'ibis-load list part'?"},
+      {{"\x1b[m"}, "'\\x1B[m' is not a command"},
+  };
+  for (const auto& [words, fault] : cases) {
+    const Outcome result = run(words, {.folder = folder.path()});
+    EXPECT_EQ(result.status, 2) << fault;
+    EXPECT_EQ(result.out, "") << fault;
+    EXPECT_EQ(result.err, "ibis-load: error: " + fault + rest);
+  }
+}
+
 TEST(Usage, AFileMayBeCalledLikeAnOption) {
   const Outcome result = run({"convert", "--", "--json"});
   EXPECT_EQ(result.status, 1);
@@ -74,10 +102,14 @@ TEST(Usage, AFileMayBeCalledLikeACommand) {
 
 TEST(Usage, ThePinsNameMayBeginWithADash) {
   const TemporaryFolder folder;
-  const Outcome result = run({"convert", folder.write("buffer.ibs", bufferText), "-p=-1", "-q",
-                              "-m", "package", "-o", folder.path()});
-  EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(result.err, "");
+  std::string text = bufferText;
+  text.replace(text.find("1 A"), 1, "-1");
+  for (const std::string option : {"-p=-1", "--pin=-1", "-p-1"}) {
+    const Outcome result = run({"convert", folder.write("buffer.ibs", text), option, "-q", "-m",
+                                "package", "-o", folder.path()});
+    EXPECT_EQ(result.status, 0) << option;
+    EXPECT_EQ(result.err, "") << option;
+  }
 }
 
 TEST(Usage, ShortAndLongNamesMeanTheSame) {
@@ -102,7 +134,7 @@ Usage: ibis-load [OPTIONS] SUBCOMMAND
 
 Options:
   -h,--help                   Print this help message and exit
-  --version                   Print the version and exit
+  -V,--version                Print the version and exit
 
 Subcommands:
   convert                     Convert IBIS files, in the way that MODE tells.
