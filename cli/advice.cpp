@@ -78,7 +78,15 @@ void adviseOnSelection(const Adviser& adviser, Diagnostic& error, const SourceTe
     addNote(error, "the file has no model selectors");
     return;
   }
-  addNames(error, quotedIn(error.text), adviser.choices(), "there are: ");
+  const std::string text = quotedIn(error.text);
+  for (const IBISModelSelector& selector : file.modelSelectors) {
+    if (!text.starts_with(selector.name.str() + '=')) continue;
+    std::vector<std::string> models;
+    for (const IBISModelSelectorRow& row : selector.rows) models.push_back(row.modelName.str());
+    addNote(error, "selector '" + selector.name.str() + "' has " + namesText(models));
+    return;
+  }
+  addNames(error, text, adviser.choices(), "there are: ");
 }
 
 void adviseOnPinModel(const Adviser& adviser, Diagnostic& error, const SourceText& text,

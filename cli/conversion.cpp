@@ -3,18 +3,24 @@
 #include <algorithm>
 #include <exception>
 #include <filesystem>
+#include <iterator>
 #include <optional>
 #include <system_error>
 
 #include "advice.h"
 #include "host/diagnostics/messages.h"
 #include "host/load_sequence.h"
+#include "input_text.h"
 #include "interruption.h"
+#include "left_out.h"
 #include "messages.h"
 #include "model/estimate_waveforms.h"
 #include "model_checks.h"
+#include "near_names.h"
 #include "pin_requests.h"
+#include "selections.h"
 #include "source_fault.h"
+#include "tolerant_reading.h"
 
 namespace ibis::cli {
 namespace {
@@ -35,7 +41,9 @@ LoadRequest toLoadRequest(const ConversionRequest& request) {
                    .rootDirectory = request.folder,
                    .subcircuit = request.subcircuit,
                    .pins = request.pins,
-                   .selections = {}};
+                   .selections = {},
+                   .reading = request.reading,
+                   .text = request.text ? std::optional(*request.text) : std::nullopt};
   for (const std::string& text : request.selections) load.selections.push_back(withEscapes(text));
   return load;
 }
@@ -59,11 +67,37 @@ void addPinErrors(Load& load, const ConversionRequest& request) {
   }
 }
 
+// Where a load keeps going, a choice that was not there is an error all the same.
+void refuseUnknownSelections(IBISFileData& file) {
+  const MessageRow* row = findMessage(ibis::message::selectorNotFound);
+  const auto isOf = [&](const Diagnostic& each) { return each.id == row->id.view(); };
+  for (Diagnostic& each : file.warnings) {
+    if (!isOf(each)) continue;
+    each.severity = Severity::error;
+    file.errors.push_back(std::move(each));
+  }
+  std::erase_if(file.warnings, [&](const Diagnostic& each) {
+    return isOf(each) || each.severity == Severity::error;
+  });
+}
+
+// A package needs no models, so that pins of those that are refused stay.
+void leaveOut(Load& load, const ConversionRequest& request, Conversion& result) {
+  if (!request.reading.keepGoing) return;
+  const std::vector<const IBISComponent*> written = writtenComponents(load, request);
+  for (const auto& component : load.file().data().components) {
+    if (std::ranges::find(written, component.get()) == written.end()) continue;
+    if (load.mode() != OutputMode::package) removeUnsoundModels(*component);
+    std::ranges::move(pinsLeftOut(*component, request.pins), std::back_inserter(result.leftOut));
+  }
+}
+
 // Without a name the files would be called ".lb" and "_INFO.html".
-void nameSubcircuit(Load& load) {
+void nameSubcircuit(Load& load, const std::string& suffix) {
   const IBISComponent* component = load.chosenComponent();
-  if (component == nullptr || !load.file().data().userSubcircuitName.empty()) return;
-  load.file().setUserSubcircuitName(component->spiceName);
+  const IBISString name = load.file().data().userSubcircuitName;
+  if (component == nullptr || (!name.empty() && suffix.empty())) return;
+  load.file().setUserSubcircuitName((name.empty() ? component->spiceName : name).str() + suffix);
 }
 
 std::optional<Diagnostic> makeFolder(const std::string& folder) {
@@ -78,8 +112,14 @@ bool isFileName(std::string_view subcircuit) {
   return !subcircuit.empty() && subcircuit.find('%') == subcircuit.npos;
 }
 
-// Returns what keeps a file without errors from being written, if anything does.
-std::optional<Diagnostic> findObstacle(const Load& load, const ConversionRequest& request) {
+bool isThere(const std::string& name) {
+  std::error_code fault;
+  return fs::exists(fs::symlink_status(name, fault));
+}
+
+// What keeps a file without errors from being written, if anything does; else the files' names.
+std::optional<Diagnostic> findObstacle(const Load& load, const ConversionRequest& request,
+                                       std::vector<std::string>& names) {
   const IBISFileData& file = load.file().data();
   const IBISComponent* component = load.chosenComponent();
   const Output* output = findOutput(load.mode());
@@ -91,7 +131,7 @@ std::optional<Diagnostic> findObstacle(const Load& load, const ConversionRequest
   const OutputPlace place{.rootDirectory = request.folder,
                           .subcircuit = file.userSubcircuitName.str(),
                           .spiceComponentName = component->spiceName.str()};
-  const std::vector<std::string> names = output->names(*output, place);
+  names = output->names(*output, place);
   if (names.empty()) {
     return tell(Severity::error, message::modeWritesNothing, std::string(output->word).c_str());
   }
@@ -100,14 +140,22 @@ std::optional<Diagnostic> findObstacle(const Load& load, const ConversionRequest
   }
   for (const std::string& name : names) {
     if (isSource(file, name)) return tell(Severity::error, message::outputIsInput, name.c_str());
+    if (request.keepsFiles && isThere(name)) {
+      return tell(Severity::error, message::outputIsThere, name.c_str());
+    }
   }
   return std::nullopt;
 }
 
 // Returns what kept the files from being written, if anything did.
 std::optional<Diagnostic> write(Load& load, const ConversionRequest& request, Conversion& result) {
-  nameSubcircuit(load);
-  std::optional<Diagnostic> obstacle = findObstacle(load, request);
+  nameSubcircuit(load, request.suffix);
+  std::vector<std::string> names;
+  std::optional<Diagnostic> obstacle = findObstacle(load, request, names);
+  if (!obstacle && request.isRehearsal) {
+    result.files = std::move(names);
+    return std::nullopt;
+  }
   if (!obstacle) obstacle = makeFolder(request.folder);
   if (obstacle) return obstacle;
   WatchedSink sink;
@@ -134,6 +182,115 @@ void warnOfModels(const Load& load, Conversion& result) {
   }
 }
 
+// What was taken unasked, where something was written.
+void addNotes(const Load& load, const ConversionRequest& request,
+              const std::vector<std::string>& chosen, Conversion& result) {
+  const IBISComponent* component = load.chosenComponent();
+  if (result.files.empty() || component == nullptr || load.mode() == OutputMode::script) return;
+  const IBISFileData& file = load.file().data();
+  const std::vector<std::string> names = Adviser(load.text(), file).componentNames();
+  if (request.component.empty() && names.size() > 1) {
+    result.notes.push_back({.line = 0,
+                            .text = "component '" + names.front() + "' is the first of " +
+                                    std::to_string(names.size()) +
+                                    "; -c or --all-components writes the others: " +
+                                    namesText({names.begin() + 1, names.end()})});
+  }
+  const std::vector<std::string> first = firstChoices(file, *component, chosen);
+  if (load.mode() != OutputMode::model || first.empty()) return;
+  result.notes.push_back({.line = 0,
+                          .text = "selectors take their first model: " + namesText(first) +
+                                  "; --select takes another"});
+}
+
+Conversion convertOne(const ConversionRequest& request) {
+  Conversion result;
+  std::vector<std::string> chosen;
+  LoadRequest asked = toLoadRequest(request);
+  asked.adapt = [&chosen](IBISFileData& file) { chosen = chooseByName(file); };
+  Load load(std::move(asked));
+  std::optional<Diagnostic> obstacle;
+  try {
+    load.read();
+    if (!load.sourceWasRead()) return failure(reasonUnread(request.source));
+    if (request.reading.keepGoing) refuseUnknownSelections(load.file().data());
+    addPinErrors(load, request);
+    leaveOut(load, request, result);
+    if (!load.file().hasErrors()) obstacle = write(load, request, result);
+  } catch (const std::exception& fault) {
+    load.file().error(ibis::message::loadFailed, fault.what());
+  }
+  addNotes(load, request, chosen, result);
+  Adviser(load.text(), load.file().data()).advise(load.file().data().errors);
+  result.warnings = std::move(load.file().data().warnings);
+  result.errors = std::move(load.file().data().errors);
+  if (obstacle) result.errors.push_back(std::move(*obstacle));
+  warnOfModels(load, result);
+  if (request.reading.keepGoing) {
+    removeRepeats(result.warnings);
+    std::ranges::move(tellLeftOut(result.leftOut), std::back_inserter(result.warnings));
+  }
+  return result;
+}
+
+// The names of a file's components, each once; none for a file that cannot be read.
+std::vector<std::string> componentsOf(const ConversionRequest& request) {
+  LoadRequest asked = toLoadRequest(request);
+  asked.pins.clear();
+  asked.selections.clear();
+  Load load(std::move(asked));
+  load.read();
+  std::vector<std::string> names;
+  for (const auto& component : load.file().data().components) {
+    std::string name = component->name.str();
+    if (std::ranges::find(names, name) == names.end()) names.push_back(std::move(name));
+  }
+  return names;
+}
+
+template <class T>
+void append(std::vector<T>& to, std::vector<T>&& from) {
+  std::ranges::move(from, std::back_inserter(to));
+}
+
+// What several conversions of one file say of the file is said once.
+void append(Conversion& to, Conversion&& from) {
+  append(to.files, std::move(from.files));
+  append(to.warnings, std::move(from.warnings));
+  append(to.errors, std::move(from.errors));
+  append(to.leftOut, std::move(from.leftOut));
+  append(to.notes, std::move(from.notes));
+}
+
+bool isMode(const std::string& word, OutputMode mode) { return outputMode(word) == mode; }
+
+// One request for each mode; a package beside a model gets a name of its own.
+std::vector<ConversionRequest> requestPerMode(const ConversionRequest& request) {
+  std::vector<ConversionRequest> requests = {request};
+  requests.front().furtherModes.clear();
+  for (const std::string& mode : request.furtherModes) {
+    requests.push_back(requests.front());
+    requests.back().mode = mode;
+  }
+  const bool hasModel = std::ranges::any_of(
+      requests, [](const auto& each) { return isMode(each.mode, OutputMode::model); });
+  for (ConversionRequest& each : requests) {
+    if (hasModel && isMode(each.mode, OutputMode::package)) each.suffix = "_package";
+  }
+  return requests;
+}
+
+// A script holds every component at once.
+std::vector<ConversionRequest> requestPerComponent(const ConversionRequest& request) {
+  if (!request.allComponents || isMode(request.mode, OutputMode::script)) return {request};
+  std::vector<ConversionRequest> requests;
+  for (std::string& name : componentsOf(request)) {
+    requests.push_back(request);
+    requests.back().component = std::move(name);
+  }
+  return requests.empty() ? std::vector{request} : requests;
+}
+
 }  // namespace
 
 Conversion failure(Diagnostic reason) {
@@ -142,23 +299,18 @@ Conversion failure(Diagnostic reason) {
   return result;
 }
 
-Conversion convert(const ConversionRequest& request) {
+Conversion convert(const ConversionRequest& asked) {
+  ConversionRequest request = asked;
+  if (!request.text) request.text = inputText(request.source);
+  if (!request.allComponents && request.furtherModes.empty()) return convertOne(request);
   Conversion result;
-  Load load(toLoadRequest(request));
-  std::optional<Diagnostic> obstacle;
-  try {
-    load.read();
-    if (!load.sourceWasRead()) return failure(reasonUnread(request.source));
-    addPinErrors(load, request);
-    if (!load.file().hasErrors()) obstacle = write(load, request, result);
-  } catch (const std::exception& fault) {
-    load.file().error(ibis::message::loadFailed, fault.what());
+  for (const ConversionRequest& ofMode : requestPerMode(request)) {
+    for (const ConversionRequest& each : requestPerComponent(ofMode)) {
+      append(result, convertOne(each));
+    }
   }
-  Adviser(load.text(), load.file().data()).advise(load.file().data().errors);
-  result.warnings = std::move(load.file().data().warnings);
-  result.errors = std::move(load.file().data().errors);
-  if (obstacle) result.errors.push_back(std::move(*obstacle));
-  warnOfModels(load, result);
+  removeRepeats(result.warnings);
+  removeRepeats(result.errors);
   return result;
 }
 

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "ibis/diagnostic.h"
+#include "ibis/read_options.h"
+#include "left_out.h"
 
 namespace ibis::cli {
 
@@ -15,7 +18,14 @@ struct ConversionRequest {
   std::string folder;      ///< Folder of the output; made if absent.
   std::string subcircuit;  ///< Empty for the component's SPICE name.
   std::vector<std::string> pins;
-  std::vector<std::string> selections;  ///< Plain texts, without escapes.
+  std::vector<std::string> selections;           ///< Plain texts, without escapes.
+  ReadOptions reading = {};                      ///< What may be read beyond what a load reads.
+  std::vector<std::string> furtherModes = {};    ///< Written too, after the mode.
+  std::string suffix = {};                       ///< Behind the subcircuit's name.
+  std::shared_ptr<const std::string> text = {};  ///< In place of the source's own.
+  bool allComponents = false;                    ///< Each of the file, in place of one.
+  bool keepsFiles = false;                       ///< Replaces no file that is there.
+  bool isRehearsal = false;                      ///< Tells what it would write.
 };
 
 /// The files and messages of one conversion.
@@ -23,6 +33,8 @@ struct Conversion {
   std::vector<std::string> files;
   std::vector<Diagnostic> warnings;
   std::vector<Diagnostic> errors;
+  std::vector<LeftOut> leftOut = {};  ///< Only where the request keeps going.
+  std::vector<Note> notes = {};       ///< What a person may have overlooked.
 };
 
 /// A conversion that wrote nothing.

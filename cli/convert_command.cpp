@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <iostream>
+#include <set>
 #include <sstream>
 
 #include "interruption.h"
@@ -15,7 +16,15 @@ namespace {
 
 constexpr const char* details =
     R"(Standard output: the files written and the counts of warnings and errors.
-Standard error: each message as FILE:LINE: warning: TEXT, or without LINE.
+Standard error: each message as FILE:LINE: warning: TEXT, or without LINE, and notes below it.
+
+--as-version 4.2 reads files of later versions as far as 4.2 goes: keywords that came
+later are passed over with what belongs to them, and each kind is told. --keep-going
+passes over what else would be refused; models that cannot be converted are left out of
+the files with their pins, and each is told with its pins. A package keeps the pins of such models.
+
+Several modes are written one after the other; the library of a package beside that of
+a model is called SUBCKT_package.lb.
 
 Many files: several FILEs, or a folder, which stands for every file in it and in its
 folders whose name ends in .ibs in any case. What is written of NAME.ibs goes into
@@ -33,12 +42,20 @@ Examples:
       writes the library of the first component into the current folder
   ibis-load convert hub.ibs -c HUB -o out -s hub_io -p A1 -p A2
       writes out/hub_io.lb and out/hub_io_INFO.html for two of HUB's pins
+  unzip -p hub.zip hub.ibs | ibis-load convert - -o out
+      reads standard input
   ibis-load convert hub.ibs -m package -o out
       writes the library of the package alone
+  ibis-load convert hub.ibs -m model -m package --all-components -o out
+      writes NAME.lb, NAME_INFO.html and NAME_package.lb of each component
+  ibis-load convert dram.ibs --select DQ=DQ_HALF
+      chooses a model of a selector by their names
   ibis-load convert dram.ibs --select "40 Ohm driver" --werror
       chooses a model by its description; a warning fails the command
   ibis-load convert buffer.ibs --json -o out > report.json
       reports as JSON: status, files, warnings and errors
+  ibis-load convert hub.ibs --as-version 4.2 --keep-going
+      reads a newer file and writes what can be converted of it
   ibis-load convert vendor -j 0 -o libraries
       converts each .ibs file below vendor, with a thread for each core
   ibis-load convert a.ibs b.ibs old/a.ibs -o libraries
@@ -91,7 +108,8 @@ std::string checkFolder(const std::string& name) {
 }
 
 void addSourceOptions(CLI::App& command, ConvertOptions& options) {
-  command.add_option("FILE", options.sources, "IBIS files, or folders of them")
+  command
+      .add_option("FILE", options.sources, "IBIS files, folders of them, or - for standard input")
       ->type_name("")
       ->required();
   command.add_option("-j,--jobs", options.jobs, "Threads for many files; 0 for one a core")
@@ -101,21 +119,27 @@ void addSourceOptions(CLI::App& command, ConvertOptions& options) {
       ->capture_default_str();
 }
 
-void addFileOptions(CLI::App& command, ConversionRequest& request) {
+void addFileOptions(CLI::App& command, ConvertOptions& options) {
   const CLI::IsMember modes(modeWords(), CLI::ignore_case);
-  command.add_option("-m,--mode", request.mode, "What to write, in any case of letters")
+  command
+      .add_option("-m,--mode", options.modes,
+                  "What to write, in any case of letters; once for each mode")
       ->type_name("MODE")
       ->check(modes)
+      ->allow_extra_args(false)
       ->capture_default_str();
-  command.add_option("-o,--output", request.folder, "Where files go; made if absent")
+  command.add_option("-o,--output", options.request.folder, "Where files go; made if absent")
       ->type_name("DIR")
       ->check(checkFolder)
       ->capture_default_str();
+  command.add_flag("--no-clobber", options.request.keepsFiles, "Replace no file that is there");
+  command.add_flag("--dry-run", options.request.isRehearsal, "Write nothing, tell what would be");
 }
 
 void addChoiceOptions(CLI::App& command, ConversionRequest& request) {
   command.add_option("-c,--component", request.component, "The component; else the file's first")
       ->type_name("COMPONENT");
+  command.add_flag("--all-components", request.allComponents, "Each component of the file");
   command
       .add_option("-s,--subcircuit", request.subcircuit,
                   "Name of the subcircuit; else the component's SPICE name")
@@ -126,9 +150,19 @@ void addChoiceOptions(CLI::App& command, ConversionRequest& request) {
       ->allow_extra_args(false);
   command
       .add_option("--select", request.selections,
-                  "Description of the model that a selector takes, once for each")
+                  "Model that a selector takes, by its description or as SELECTOR=MODEL")
       ->type_name("DESCRIPTION")
       ->allow_extra_args(false);
+}
+
+void addReadingOptions(CLI::App& command, ConvertOptions& options) {
+  command
+      .add_option("--as-version", options.asVersion,
+                  "Read versions above 4.2 as far as 4.2 goes, with a warning")
+      ->type_name("VERSION")
+      ->check(CLI::IsMember({"4.2"}));
+  command.add_flag("-k,--keep-going", options.request.reading.keepGoing,
+                   "Leave out models that cannot be converted, with their pins");
 }
 
 void addReportOptions(CLI::App& command, ConvertOptions& options) {
@@ -147,8 +181,35 @@ std::string withoutSlashAtEnd(std::string folder) {
 
 // One subcircuit name cannot be right for many files.
 void checkAgainstEachOther(const ConvertOptions& options) {
+  const ConversionRequest& request = options.request;
+  if (request.allComponents && !request.component.empty()) {
+    throw CLI::ValidationError("--all-components", "It excludes --component");
+  }
+  if (request.allComponents && !request.subcircuit.empty()) {
+    throw CLI::ValidationError("--all-components", "It excludes --subcircuit");
+  }
+  if (request.allComponents && !request.pins.empty()) {
+    throw CLI::ValidationError("--all-components", "It excludes --pin");
+  }
   if (options.request.subcircuit.empty() || !areManyFiles(options.sources)) return;
   throw CLI::ValidationError("--subcircuit", "Only one FILE can be given a subcircuit's name");
+}
+
+// Each mode but the first, once.
+std::vector<std::string> furtherModes(const std::vector<std::string>& words) {
+  std::vector<std::string> modes;
+  std::set<OutputMode> taken = {outputMode(words.front())};
+  for (const std::string& word : words) {
+    if (taken.insert(outputMode(word)).second) modes.push_back(word);
+  }
+  return modes;
+}
+
+// "-p=-1" keeps the sign, which "--pin=-1" does not.
+void dropSigns(std::vector<std::string>& pins) {
+  for (std::string& pin : pins) {
+    if (pin.size() > 1 && pin.starts_with('=')) pin.erase(0, 1);
+  }
 }
 
 int convertOneFile(const ConvertOptions& options) {
@@ -169,8 +230,9 @@ CLI::App* addConvertCommand(CLI::App& program, ConvertOptions& options) {
   CLI::App* command =
       program.add_subcommand("convert", "Convert IBIS files, in the way that MODE tells.");
   addSourceOptions(*command, options);
-  addFileOptions(*command, options.request);
+  addFileOptions(*command, options);
   addChoiceOptions(*command, options.request);
+  addReadingOptions(*command, options);
   addReportOptions(*command, options);
   command->footer(modesText() + '\n' + details);
   command->parse_complete_callback([&options] { checkAgainstEachOther(options); });
@@ -179,6 +241,10 @@ CLI::App* addConvertCommand(CLI::App& program, ConvertOptions& options) {
 
 int runConvert(ConvertOptions options) {
   watchForInterruption();
+  dropSigns(options.request.pins);
+  options.request.mode = options.modes.front();
+  options.request.furtherModes = furtherModes(options.modes);
+  options.request.reading.newerVersions = !options.asVersion.empty();
   options.request.folder = withoutSlashAtEnd(options.request.folder);
   if (areManyFiles(options.sources)) return convertManyFiles(options);
   options.request.source = options.sources.front();

@@ -17,7 +17,9 @@ struct ConvertOptions {
                             .pins = {},
                             .selections = {}};
   std::vector<std::string> sources;  ///< Files and folders; the request's own is set for each.
-  unsigned jobs = 1;                 ///< Threads for many files; 0 for one a core.
+  std::vector<std::string> modes = {"model"};
+  unsigned jobs = 1;      ///< Threads for many files; 0 for one a core.
+  std::string asVersion;  ///< "4.2" to read what came later too; empty for not.
   bool asJson = false;
   bool isQuiet = false;
   bool warningsFail = false;

@@ -26,7 +26,7 @@ case. Files of versions above 4.2 are read as far as version 4.2 goes; what conv
 refuses is passed over and named.
 
 Exit status: 0 all listed; 1 a file could not be read, or holds nothing to list;
-2 wrong use.
+2 usage error.
 
 Examples:
   ibis-load list buffer.ibs
@@ -88,7 +88,8 @@ class Listing {
 CLI::App* addListCommand(CLI::App& program, ListOptions& options) {
   CLI::App* command =
       program.add_subcommand("list", "List components, models, selectors and packages of files.");
-  command->add_option("FILE", options.sources, "IBIS files, or folders of them")
+  command
+      ->add_option("FILE", options.sources, "IBIS files, folders of them, or - for standard input")
       ->type_name("")
       ->required();
   command->add_flag("--json", options.asJson, "List as JSON on standard output");

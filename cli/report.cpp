@@ -27,18 +27,34 @@ void appendList(std::string& text, const std::string& source, const std::vector<
   }
 }
 
+ordered_json toJson(const std::vector<Note>& list) {
+  ordered_json array = ordered_json::array();
+  for (const Note& note : list) {
+    array.push_back(
+        {{"line", note.line > 0 ? ordered_json(note.line) : ordered_json()}, {"text", note.text}});
+  }
+  return array;
+}
+
 ordered_json toJson(const std::vector<Diagnostic>& list) {
   ordered_json array = ordered_json::array();
   for (const Diagnostic& message : list) {
     ordered_json& item = array.emplace_back();
     item["line"] = message.line > 0 ? ordered_json(message.line) : ordered_json();
     item["text"] = message.text;
-    if (message.notes.empty()) continue;
-    ordered_json& notes = item["notes"] = ordered_json::array();
-    for (const Note& note : message.notes) {
-      notes.push_back({{"line", note.line > 0 ? ordered_json(note.line) : ordered_json()},
-                       {"text", note.text}});
-    }
+    if (!message.notes.empty()) item["notes"] = toJson(message.notes);
+  }
+  return array;
+}
+
+ordered_json toJson(const std::vector<LeftOut>& list) {
+  ordered_json array = ordered_json::array();
+  for (const LeftOut& each : list) {
+    ordered_json& item = array.emplace_back();
+    item["component"] = each.component;
+    item["model"] = each.model;
+    item["line"] = each.line > 0 ? ordered_json(each.line) : ordered_json();
+    item["pins"] = each.pins;
   }
   return array;
 }
@@ -48,6 +64,8 @@ void addResult(ordered_json& object, const Conversion& conversion, int status) {
   object["files"] = conversion.files;
   object["warnings"] = toJson(conversion.warnings);
   object["errors"] = toJson(conversion.errors);
+  if (!conversion.leftOut.empty()) object["leftOut"] = toJson(conversion.leftOut);
+  if (!conversion.notes.empty()) object["notes"] = toJson(conversion.notes);
 }
 
 }  // namespace
@@ -62,6 +80,8 @@ std::string messageText(const std::string& source, const Conversion& conversion)
   std::string text;
   appendList(text, source, conversion.warnings);
   appendList(text, source, conversion.errors);
+  for (const Note& note : conversion.notes)
+    appendLine(text, source, note.line, " note: ", note.text);
   return text;
 }
 

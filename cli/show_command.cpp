@@ -34,7 +34,7 @@ for a waveform; a cell that the file leaves out is empty.
 
 Standard error: what is refused or left out of the file.
 
-Exit status: 0 shown; 1 the file could not be read, or nothing has the name; 2 wrong use.
+Exit status: 0 shown; 1 the file could not be read, or nothing has the name; 2 usage error.
 
 Examples:
   ibis-load show buffer.ibs out_24mA
@@ -137,7 +137,9 @@ void checkAgainstEachOther(const ShowOptions& options) {
 CLI::App* addShowCommand(CLI::App& program, ShowOptions& options) {
   CLI::App* command = program.add_subcommand(
       "show", "Show a model, pin or component in full, or write one table as CSV.");
-  command->add_option("FILE", options.source, "An IBIS file")->type_name("")->required();
+  command->add_option("FILE", options.source, "An IBIS file, or - for standard input")
+      ->type_name("")
+      ->required();
   command->add_option("NAME", options.name, "What to show; else all")->type_name("");
   command->add_flag("--json", options.asJson, "Show as JSON, with every number");
   command->add_option("--csv", options.table, "Write this table or waveform of model NAME as CSV")

@@ -4,6 +4,7 @@
 #include <set>
 #include <utility>
 
+#include "input_text.h"
 #include "messages.h"
 #include "source_fault.h"
 
@@ -44,7 +45,9 @@ void removeRepeats(std::vector<Diagnostic>& list) {
 
 TolerantReading readTolerantly(const std::string& source) {
   TolerantReading reading;
-  Document document = read(source, {.newerVersions = true, .keepGoing = true});
+  const ReadOptions options{.newerVersions = true, .keepGoing = true};
+  const std::shared_ptr<const std::string> text = inputText(source);
+  Document document = text ? readText(*text, options) : read(source, options);
   for (const Diagnostic& diagnostic : document.diagnostics()) {
     if (isOf(diagnostic, ibis::message::cannotOpenSource)) {
       reading.errors.push_back(reasonUnread(source));

@@ -177,6 +177,15 @@ TEST_F(ProgramMessages, TellOfAnOutputThatIsTheInput) {
                   "Output file '" + request.source + "' is the input file itself");
 }
 
+TEST_F(ProgramMessages, TellOfAnOutputThatIsThereAlready) {
+  ConversionRequest request;
+  request.subcircuit = "dut";
+  request.keepsFiles = true;
+  folder_.write("dut.lb", "kept");
+  EXPECT_MESSAGES(errorsOf(bufferText, request), "Output file '" + folder_.file("dut.lb") +
+                                                     "' is there already; --no-clobber keeps it");
+}
+
 TEST_F(ProgramMessages, TellOfAPinThatNoComponentHas) {
   ConversionRequest request;
   request.pins = {"X"};
@@ -184,6 +193,17 @@ TEST_F(ProgramMessages, TellOfAPinThatNoComponentHas) {
   request.mode = "script";
   const std::string two = "[IBIS Ver] 4.2\n[Component] A\n[Component] B\n";
   EXPECT_MESSAGES(errorsOf(two, request), "No component has a pin 'X'");
+}
+
+TEST_F(ProgramMessages, TellOfPinsThatAreLeftOut) {
+  ConversionRequest request;
+  request.source = folder_.write("part.ibs", partText);
+  request.mode = "package";
+  request.folder = folder_.path();
+  request.reading.keepGoing = true;
+  EXPECT_MESSAGES(cli::convert(request).warnings,
+                  "Line 12: Model referenced by pin '1' has not been defined",
+                  "Component 'BUF-1': pins of model 'in' are left out: 1");
 }
 
 TEST_F(ProgramMessages, TellOfAFileThatHoldsNothing) {
