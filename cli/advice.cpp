@@ -4,8 +4,8 @@
 #include <set>
 
 #include "host/diagnostics/messages.h"
-#include "model_report.h"
 #include "near_names.h"
+#include "quantity.h"
 #include "reader/vocabulary.h"
 
 namespace ibis::cli {

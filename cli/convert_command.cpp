@@ -21,7 +21,8 @@ Standard error: each message as FILE:LINE: warning: TEXT, or without LINE, and n
 --as-version 4.2 reads files of later versions as far as 4.2 goes: keywords that came
 later are passed over with what belongs to them, and each kind is told. --keep-going
 passes over what else would be refused; models that cannot be converted are left out of
-the files with their pins, and each is told with its pins. A package keeps the pins of such models.
+the files with their pins, and each is told with its pins. A package keeps the pins of
+such models.
 
 Several modes are written one after the other; the library of a package beside that of
 a model is called SUBCKT_package.lb.

@@ -128,6 +128,8 @@ TextTable refusalTable(const FileSummary& summary) {
   return table;
 }
 
+std::string lineText(std::int32_t line) { return line > 0 ? "line " + std::to_string(line) : "-"; }
+
 // Without what stands at a model as a reason against it.
 TextTable leftOutTable(const std::vector<Diagnostic>& leftOut, const FileSummary& summary) {
   TextTable table(indent);
@@ -137,7 +139,10 @@ TextTable leftOutTable(const std::vector<Diagnostic>& leftOut, const FileSummary
   }
   for (const Diagnostic& each : leftOut) {
     if (told.contains({each.line, each.text})) continue;
-    table.add({each.line > 0 ? "line " + std::to_string(each.line) : "-", printable(each.text)});
+    table.add({lineText(each.line), printable(each.text)});
+    for (const Note& note : each.notes) {
+      table.add({lineText(note.line), "note: " + printable(note.text)});
+    }
   }
   return table;
 }

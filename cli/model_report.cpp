@@ -323,14 +323,6 @@ std::string csvText(const IBISWaveform& waveform) {
   return csvLines("time,typ,min,max\n", filled.time, filled);
 }
 
-std::vector<std::string> cornerTexts(const IBISTriple& triple, const std::string& unit) {
-  std::vector<std::string> texts;
-  for (const int corner : corners) {
-    texts.push_back(triple.missing.at(corner) ? "-" : quantity(triple.at(corner), unit));
-  }
-  return texts;
-}
-
 std::string usersText(const std::vector<PinGroup>& groups) {
   std::string out;
   for (const PinGroup& group : groups) {

@@ -20,9 +20,6 @@ nlohmann::ordered_json fullModelJson(const ModelSummary& summary);
 std::string csvText(const IBISTable& table);
 std::string csvText(const IBISWaveform& waveform);
 
-/// The three corners of a value with its unit; "-" for one that is missing.
-std::vector<std::string> cornerTexts(const IBISTriple& triple, const std::string& unit);
-
 /// The pins of groups, all of them, each group with its component.
 std::string usersText(const std::vector<PinGroup>& groups);
 

@@ -39,4 +39,12 @@ std::string quantity(double value, const std::string& unit) {
   return digits(value / prefix.factor) + ' ' + prefix.sign + unit;
 }
 
+std::vector<std::string> cornerTexts(const IBISTriple& triple, const std::string& unit) {
+  std::vector<std::string> texts;
+  for (const int corner : {corner::typ, corner::min, corner::max}) {
+    texts.push_back(triple.missing.at(corner) ? "-" : quantity(triple.at(corner), unit));
+  }
+  return texts;
+}
+
 }  // namespace ibis::cli

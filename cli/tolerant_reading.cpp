@@ -4,8 +4,10 @@
 #include <set>
 #include <utility>
 
+#include "advice.h"
 #include "input_text.h"
 #include "messages.h"
+#include "reader/text/text_buffer.h"
 #include "source_fault.h"
 
 namespace ibis::cli {
@@ -30,6 +32,11 @@ bool isEmpty(const IBISFileData& file) {
          std::ranges::none_of(file.models, isFromFile);
 }
 
+std::string_view textOf(const std::string& source, TextBuffer& buffer) {
+  buffer.loadFile(source);
+  return buffer.text();
+}
+
 }  // namespace
 
 bool tellsOfLeftOut(const Diagnostic& diagnostic) {
@@ -47,6 +54,7 @@ TolerantReading readTolerantly(const std::string& source) {
   TolerantReading reading;
   const ReadOptions options{.newerVersions = true, .keepGoing = true};
   const std::shared_ptr<const std::string> text = inputText(source);
+  TextBuffer buffer;
   Document document = text ? readText(*text, options) : read(source, options);
   for (const Diagnostic& diagnostic : document.diagnostics()) {
     if (isOf(diagnostic, ibis::message::cannotOpenSource)) {
@@ -56,8 +64,14 @@ TolerantReading readTolerantly(const std::string& source) {
     if (tellsOfLeftOut(diagnostic)) reading.leftOut.push_back(diagnostic);
   }
   removeRepeats(reading.leftOut);
-  if (isEmpty(document.file()))
-    reading.errors.push_back(tell(Severity::error, message::nothingToList));
+  const bool nothing = isEmpty(document.file());
+  if (nothing || document.file().version == 0) {
+    Diagnostic fault = tell(nothing ? Severity::error : Severity::warning,
+                            nothing ? message::nothingToList : message::noVersion);
+    adviseOnNothing(fault, text ? std::string_view(*text) : textOf(source, buffer));
+    auto& list = nothing ? reading.errors : reading.leftOut;
+    list.insert(list.begin(), std::move(fault));
+  }
   reading.document = std::move(document);
   return reading;
 }

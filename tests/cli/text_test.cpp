@@ -44,6 +44,13 @@ TEST(Quantity, HasFourDigitsAndAPrefix) {
   EXPECT_EQ(quantity(-std::numeric_limits<double>::quiet_NaN(), "V"), "nan V");
 }
 
+TEST(CornerTexts, ComeInTheOrderOfTheFile) {
+  IBISTriple triple{.present = true, .typ = 1.0, .max = 3.0, .min = 2.0};
+  EXPECT_EQ(cornerTexts(triple, "V"), (std::vector<std::string>{"1 V", "2 V", "3 V"}));
+  triple.missing.set(corner::min);
+  EXPECT_EQ(cornerTexts(triple, "V"), (std::vector<std::string>{"1 V", "-", "3 V"}));
+}
+
 TEST(TextTable, AlignsColumnsByCharacters) {
   TextTable table(2);
   EXPECT_TRUE(table.empty());

@@ -510,5 +510,43 @@ TEST(Load, ExpandsBothTemplatesOfModelModeIntoFilesOfTheirOwn) {
   EXPECT_EQ(page.substr(page.size() - 7), "</html>");
 }
 
+TEST(Load, ReadsATextInPlaceOfTheSource) {
+  const TemporaryFolder output;
+  LoadRequest request = requestFor("nowhere.ibs", output.path(), {.mode = "script"});
+  request.text = "[IBIS Ver] 4.2\r[Component] Amp\r";
+  Load load(std::move(request));
+  load.read();
+  EXPECT_TRUE(load.sourceWasRead());
+  EXPECT_EQ(load.text(), "[IBIS Ver] 4.2\n[Component] Amp\n");
+  EXPECT_MESSAGES(load.file().data().errors);
+  EXPECT_EQ(load.chosenComponent()->name, "Amp");
+}
+
+TEST(Load, ChangesRecordsBetweenReadingAndResolving) {
+  const TemporaryFolder output;
+  LoadRequest request = requestFor("nowhere.ibs", output.path(), {});
+  request.text = selectorFile();
+  request.adapt = [](IBISFileData& file) {
+    auto& rows = file.modelSelectors.at(0).rows;
+    std::swap(rows.at(0), rows.at(1));
+  };
+  Load load(std::move(request));
+  load.read();
+  EXPECT_EQ(load.chosenComponent()->pins.at(0).model->name, "POWER");
+}
+
+TEST(Load, ToleratesWhatTheReaderMayAndNothingElse) {
+  const TemporaryFolder output;
+  LoadRequest request =
+      requestFor("nowhere.ibs", output.path(), {.mode = "script", .component = "None"});
+  request.reading = {.newerVersions = true, .keepGoing = true};
+  request.text = "[IBIS Ver] 6.0\n[Component] Amp\n[Submodel] Extra\n";
+  Load load(std::move(request));
+  load.read();
+  EXPECT_MESSAGES(load.file().data().warnings, "Version '6.0' is read as far as version 4.2 goes",
+                  "Line 3: Keyword 'Submodel' not supported");
+  EXPECT_MESSAGES(load.file().data().errors, "Component name 'None' not found in IBIS file");
+}
+
 }  // namespace
 }  // namespace ibis::testing

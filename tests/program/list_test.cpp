@@ -170,6 +170,28 @@ TEST(List, TellsOfAFileThatHoldsNothing) {
             "part.ibs: error: The file holds no component, model, selector or package model\n");
 }
 
+TEST(List, TellsOfAnOpenBracketThatHidesTheVersion) {
+  const Outcome result =
+      listText("[IBIS Ver 4.2\n[File Name] a\n[Component] X\n[Manufacturer] Y\n[Pin] s m\n");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.out, R"(part.ibs: no known version
+
+Components:
+  name  pins  package model  manufacturer
+  X     0     -              Y
+
+Refused or left out:
+  -       The file gives no version
+  line 1  note: the bracket of '[IBIS Ver 4.2' is not closed
+)");
+}
+
+TEST(List, TellsWhatAFileIsThatIsNoIbisFile) {
+  EXPECT_EQ(listText("%PDF-1.7\n").err,
+            "part.ibs: error: The file holds no component, model, selector or package model\n"
+            "part.ibs: note: it looks like a PDF document\n");
+}
+
 TEST(List, NeverHandsControlCharactersToTheTerminal) {
   const TemporaryFolder folder;
   folder.write("\x1b[2J.ibs",

@@ -210,6 +210,8 @@ TEST_F(ProgramMessages, TellOfAFileThatHoldsNothing) {
   const std::string source = folder_.write("part.ibs", "no IBIS at all");
   EXPECT_MESSAGES(cli::readTolerantly(source).errors,
                   "The file holds no component, model, selector or package model");
+  const std::string part = folder_.write("part.ibs", "[Component] X\n");
+  EXPECT_MESSAGES(cli::readTolerantly(part).leftOut, "The file gives no version");
 }
 
 // Each has a run of the program in the tests of its command.
