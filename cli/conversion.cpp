@@ -301,7 +301,11 @@ Conversion failure(Diagnostic reason) {
 
 Conversion convert(const ConversionRequest& asked) {
   ConversionRequest request = asked;
-  if (!request.text) request.text = inputText(request.source);
+  if (!request.text) {
+    InputText input = readInputText(request.source);
+    if (input.fault) return failure(std::move(*input.fault));
+    request.text = std::move(input.text);
+  }
   if (!request.allComponents && request.furtherModes.empty()) return convertOne(request);
   Conversion result;
   for (const ConversionRequest& ofMode : requestPerMode(request)) {

@@ -53,7 +53,12 @@ void removeRepeats(std::vector<Diagnostic>& list) {
 TolerantReading readTolerantly(const std::string& source) {
   TolerantReading reading;
   const ReadOptions options{.newerVersions = true, .keepGoing = true};
-  const std::shared_ptr<const std::string> text = inputText(source);
+  InputText input = readInputText(source);
+  if (input.fault) {
+    reading.errors.push_back(std::move(*input.fault));
+    return reading;
+  }
+  const std::shared_ptr<const std::string> text = std::move(input.text);
   TextBuffer buffer;
   Document document = text ? readText(*text, options) : read(source, options);
   for (const Diagnostic& diagnostic : document.diagnostics()) {

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <zlib.h>
 
 #include <nlohmann/json.hpp>
 
@@ -274,6 +275,47 @@ TEST(StandardInput, IsReadOnceForAllComponents) {
                 {.input = twoText, .folder = folder.path()})
                 .out,
             "./BUF_1.lb\n./BUF_2.lb\n0 warnings, 0 errors\n");
+}
+
+// The text as gzip packs it.
+std::string packed(const std::string& text) {
+  z_stream stream{};
+  constexpr int gzip = 15 + 16;
+  deflateInit2(&stream, Z_BEST_COMPRESSION, Z_DEFLATED, gzip, 8, Z_DEFAULT_STRATEGY);
+  std::string from = text;
+  std::vector<Bytef> to(text.size() + 100);
+  stream.next_in = reinterpret_cast<Bytef*>(from.data());
+  stream.avail_in = static_cast<uInt>(from.size());
+  stream.next_out = to.data();
+  stream.avail_out = static_cast<uInt>(to.size());
+  EXPECT_EQ(deflate(&stream, Z_FINISH), Z_STREAM_END);
+  to.resize(to.size() - stream.avail_out);
+  deflateEnd(&stream);
+  return {to.begin(), to.end()};
+}
+
+TEST(Gzip, IsReadAsTheTextThatItHolds) {
+  const std::string half = bufferText.substr(0, 100);
+  const std::string rest = bufferText.substr(100);
+  const std::string whole = convertText(bufferText, {"-m", "package"}).files.at("BUF_1.lb");
+  for (const std::string& text : {packed(bufferText), packed(half) + packed(rest)}) {
+    const Done done = convertText(text, {"-m", "package"});
+    EXPECT_EQ(done.outcome.err, "");
+    EXPECT_EQ(done.outcome.status, 0);
+    EXPECT_EQ(done.files.at("BUF_1.lb"), whole);
+  }
+  EXPECT_THAT(run({"list", "-"}, {.input = packed(bufferText)}).out, HasSubstr("-: IBIS 4.2, "));
+}
+
+TEST(Gzip, ThatIsCutIsAnError) {
+  const std::string cut = packed(bufferText).substr(0, 50);
+  EXPECT_EQ(convertText(cut, {"-q"}).outcome.err,
+            "part.ibs: error: Cannot unpack the gzip data: it ends too early\n");
+  const Outcome listed = run({"list", "-"}, {.input = cut});
+  EXPECT_EQ(listed.status, 1);
+  EXPECT_EQ(listed.err, "-: error: Cannot unpack the gzip data: it ends too early\n");
+  EXPECT_EQ(convertText(packed(bufferText) + "rest", {"-q"}).outcome.err,
+            "part.ibs: error: Cannot unpack the gzip data: it is damaged\n");
 }
 
 TEST(StandardInput, IsListedAndShown) {

@@ -113,6 +113,11 @@ TEST_F(ProgramMessages, TellOfASourceThatCannotBeReadWhole) {
   EXPECT_MESSAGES(errorsOfSource(name), "Cannot read the whole file");
 }
 
+TEST_F(ProgramMessages, TellOfASourceThatCannotBeUnpacked) {
+  EXPECT_MESSAGES(errorsOf("\x1f\x8b rest"), "Cannot unpack the gzip data: it is damaged");
+  EXPECT_MESSAGES(errorsOf("\x1f\x8b"), "Cannot unpack the gzip data: it ends too early");
+}
+
 TEST_F(ProgramMessages, TellOfAFolderWithoutFiles) {
   EXPECT_MESSAGES(faultsOfSearch(), "Nothing to convert: no file ends in .ibs");
 }
