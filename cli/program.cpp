@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "call_command.h"
+#include "check_command.h"
 #include "command_word.h"
 #include "convert_command.h"
 #include "exit_status.h"
@@ -21,6 +22,7 @@ constexpr const char* details = R"(Exit status: 0 done; 1 errors, or nothing wri
 Examples:
   ibis-load list buffer.ibs
   ibis-load show buffer.ibs out_24mA
+  ibis-load check buffer.ibs
   ibis-load convert buffer.ibs -o out
   ibis-load convert --help)";
 
@@ -38,17 +40,19 @@ int runCommandLine(int count, char** words) {
                            "Print the version and exit");
   program.require_subcommand(1);
   program.footer(details);
-  ConvertOptions convertOptions;
   ListOptions listOptions;
   ShowOptions showOptions;
-  CallOptions callOptions;
+  CheckCommandOptions checkOptions;
+  ConvertOptions convertOptions;
   ExportOptions exportOptions;
   VerifyOptions verifyOptions;
+  CallOptions callOptions;
+  const CLI::App* listCommand = addListCommand(program, listOptions);
+  const CLI::App* showCommand = addShowCommand(program, showOptions);
+  const CLI::App* checkCommand = addCheckCommand(program, checkOptions);
   const CLI::App* convertCommand = addConvertCommand(program, convertOptions);
   const CLI::App* exportCommand = addExportCommand(program, exportOptions);
   const CLI::App* verifyCommand = addVerifyCommand(program, verifyOptions);
-  const CLI::App* listCommand = addListCommand(program, listOptions);
-  const CLI::App* showCommand = addShowCommand(program, showOptions);
   addCallCommand(program, callOptions);
   if (const std::string fault = faultOfCommandWord({words + 1, words + count}, namesOf(program));
       !fault.empty()) {
@@ -60,11 +64,12 @@ int runCommandLine(int count, char** words) {
   } catch (const CLI::ParseError& end) {
     return program.exit(end) == 0 ? exitStatus::done : exitStatus::wrongUse;
   }
-  if (exportCommand->parsed()) return runExport(exportOptions);
-  if (verifyCommand->parsed()) return runVerify(verifyOptions);
   if (listCommand->parsed()) return runList(listOptions);
   if (showCommand->parsed()) return runShow(showOptions);
-  return convertCommand->parsed() ? runConvert(convertOptions) : runCall(callOptions);
+  if (checkCommand->parsed()) return runCheck(checkOptions);
+  if (convertCommand->parsed()) return runConvert(convertOptions);
+  if (exportCommand->parsed()) return runExport(exportOptions);
+  return verifyCommand->parsed() ? runVerify(verifyOptions) : runCall(callOptions);
 }
 
 int fail(const char* reason) {

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <iostream>
 
+#include "printable.h"
 #include "report.h"
 #include "text_columns.h"
 
@@ -19,14 +20,6 @@ std::size_t freeColumns() {
   winsize size{};
   const bool isKnown = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 1;
   return (isKnown ? size.ws_col : usualColumns) - 1;
-}
-
-// A file's name may contain characters that move the cursor.
-std::string printable(std::string text) {
-  for (char& c : text) {
-    if ((c >= '\0' && c < ' ') || c == '\x7f') c = '?';
-  }
-  return text;
 }
 
 std::string fitted(std::string text, std::size_t columns) {

@@ -8,7 +8,9 @@
 namespace ibis {
 
 /// The weight of a diagnostic: an error keeps output files from being written.
-enum class Severity : std::uint8_t { warning, error };
+///
+/// A note is a matter of style or quality that only a check tells.
+enum class Severity : std::uint8_t { warning, error, note };
 
 /// An addition to a diagnostic: a remedy, or a further line that it speaks of.
 struct Note {

@@ -174,7 +174,7 @@ TEST_F(Progress, ShowsNoControlCharacters) {
   folder.write("a\x1b[2J\n.ibs", bufferText);
   folder.write("b.ibs", bufferText);
   EXPECT_THAT(shownOn(80, folder, {"a\x1b[2J\n.ibs", "b.ibs"}),
-              MatchesRegex("0 of 2 files: a\\?\\[2J\\?\\.ibs\r" + wiped(24) + moreLines));
+              MatchesRegex("0 of 2 files: a\\\\x1B\\[2J\\\\x0A\\.ibs\r" + wiped(30) + moreLines));
 }
 
 TEST_F(Progress, IsNotShownWithQuiet) {

@@ -63,7 +63,7 @@ TEST(Usage, AWordThatIsNoCommandSaysWhichWasMeant) {
   const TemporaryFolder folder;
   folder.write("part", "");
   const std::string rest =
-      "\nThe commands are convert, export, verify, list, show, call.\n" + seeHelp;
+      "\nThe commands are list, show, check, convert, export, verify, call.\n" + seeHelp;
   const struct {
     std::vector<std::string> words;
     std::string fault;
@@ -137,11 +137,12 @@ Options:
   -V,--version                Print the version and exit
 
 Subcommands:
+  list                        List components, models, selectors and packages of files.
+  show                        Show a model, pin or component in full, or write one table as CSV.
+  check                       Check IBIS files, line by line.
   convert                     Convert IBIS files, in the way that MODE tells.
   export                      Write models as plain SPICE for open simulators.
   verify                      Export models, simulate them and compare with the file.
-  list                        List components, models, selectors and packages of files.
-  show                        Show a model, pin or component in full, or write one table as CSV.
   call                        Call the plug-in as a host does: JSON arguments in, JSON result out.
 
 Exit status: 0 done; 1 errors, or nothing written; 2 usage error.
@@ -149,6 +150,7 @@ Exit status: 0 done; 1 errors, or nothing written; 2 usage error.
 Examples:
   ibis-load list buffer.ibs
   ibis-load show buffer.ibs out_24mA
+  ibis-load check buffer.ibs
   ibis-load convert buffer.ibs -o out
   ibis-load convert --help
 )");

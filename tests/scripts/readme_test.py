@@ -21,7 +21,7 @@ def command_lines():
     """The lines that a reader can type as they stand: no brackets of a synopsis, no placeholder."""
     for block in blocks():
         for line in block.splitlines():
-            if re.match(r"(ibis-load |echo .*ibis-load)", line) and not re.search(r"\[-|\bFILE\b|<", line):
+            if re.match(r"(ibis-load |echo .*ibis-load)", line) and not re.search(r"\[-|\b(FILE|RULE)\b|<", line):
                 yield line
 
 

@@ -1,0 +1,290 @@
+// The rules about bytes and lines: what a text holds before it is understood.
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+
+#include "checks/families.h"
+
+namespace ibis::checks {
+namespace {
+
+constexpr std::size_t keptLength = 239;  // of a line by a load
+constexpr std::size_t searchedBytes = 65536;
+
+struct Signature {
+  std::string_view bytes;
+  std::string_view name;
+};
+
+constexpr Signature signatures[] = {
+    {"\x1f\x8b", "it looks like gzip data; unpack it first"},
+    {"PK\x03\x04", "it looks like a zip archive; unpack it first"},
+    {"%PDF", "it looks like a PDF document"},
+    {"<", "it looks like an HTML or XML page"},
+    {"\xfe\xff", "it looks like UTF-16 text; save it as ASCII"},
+    {"\xff\xfe", "it looks like UTF-16 text; save it as ASCII"},
+};
+
+std::string_view standardLimitVersion(int version) { return version < 40 ? "3.2" : "4.2"; }
+
+// A character of UTF-8 at a place: its length and number; length 1 and 0 for what is none.
+struct Character {
+  std::size_t length = 1;
+  unsigned number = 0;
+};
+
+Character characterAt(std::string_view text, std::size_t place) {
+  const auto byte = [&](std::size_t i) {
+    return place + i < text.size() ? static_cast<unsigned char>(text[place + i]) : 0U;
+  };
+  const unsigned first = byte(0);
+  const std::size_t length = first >= 0xf0 && first < 0xf8   ? 4
+                             : first >= 0xe0 && first < 0xf0 ? 3
+                             : first >= 0xc2 && first < 0xe0 ? 2
+                                                             : 1;
+  if (length == 1) return {};
+  unsigned number = first & (0xffU >> (length + 1));
+  for (std::size_t i = 1; i < length; ++i) {
+    if ((byte(i) & 0xc0U) != 0x80U) return {};
+    number = number << 6U | (byte(i) & 0x3fU);
+  }
+  return {length, number};
+}
+
+struct CharacterRow {
+  unsigned number;
+  std::string_view name;
+  std::string_view hint;
+};
+
+constexpr CharacterRow characters[] = {
+    {0xfeff, "byte order mark", "; save the file without it"},
+    {0x00ad, "soft hyphen", "; write -"},
+    {0x00a0, "no-break blank", "; write a blank"},
+    {0x2212, "minus sign", "; write -"},
+    {0x2013, "dash", "; write -"},
+    {0x00b5, "micro sign", "; it is no scale letter, write u"},
+    {0x03bc, "Greek mu", "; it is no scale letter, write u"},
+    {0x03a9, "Greek omega", "; write Ohm"},
+    {0x2126, "ohm sign", "; write Ohm"},
+};
+
+std::string nameOf(std::string_view text, std::size_t place, std::string& hint) {
+  const Character character = characterAt(text, place);
+  char buffer[40];
+  if (character.number == 0) {
+    std::snprintf(buffer, sizeof buffer, "byte 0x%02x",
+                  static_cast<unsigned>(static_cast<unsigned char>(text[place])));
+    return buffer;
+  }
+  std::snprintf(buffer, sizeof buffer, "U+%04X", character.number);
+  std::string name(buffer);
+  const auto* row = std::ranges::find(characters, character.number, &CharacterRow::number);
+  if (row == std::end(characters)) return name;
+  hint = row->hint;
+  return std::string(row->name) + " (" + name + ")";
+}
+
+bool isOdd(char c) {
+  const auto byte = static_cast<unsigned char>(c);
+  return byte > 126 || (byte < 32 && c != '\t' && c != '\f' && c != '\r');
+}
+
+// Whether any line may hold such a byte; most words of a text need no look at their bytes.
+bool mayBeOdd(std::string_view text) {
+  constexpr std::uint64_t ones = 0x0101010101010101U;
+  constexpr std::uint64_t tops = 0x8080808080808080U;
+  const auto isOddByte = [](char c) { return c != '\n' && isOdd(c); };
+  std::size_t i = 0;
+  for (; i + sizeof(std::uint64_t) <= text.size(); i += sizeof(std::uint64_t)) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, text.data() + i, sizeof word);
+    const std::uint64_t low = (word - ones * 32U) & ~word;
+    const std::uint64_t high = word | (word + ones);  // 127 and more
+    if (((low | high) & tops) == 0) continue;
+    if (std::ranges::any_of(text.substr(i, sizeof word), isOddByte)) return true;
+  }
+  return std::ranges::any_of(text.substr(i), isOddByte);
+}
+
+class LineChecker {
+ public:
+  LineChecker(std::string_view text, const View& view, Findings& findings)
+      : view_(view),
+        findings_(findings),
+        hasTabs_(text.find('\t') != text.npos),
+        hasOdd_(mayBeOdd(text)) {}
+
+  void check() {
+    const Syntax& syntax = view_.syntax;
+    for (const Block& block : syntax.blocks()) {
+      block_ = view_.indexOf(block);
+      if (syntax.sectionOf(block).isAfterEnd) continue;
+      if (syntax.facts().hasEnd && block_ == syntax.facts().endBlock) continue;
+      const bool isText = block.keyword != nullptr && block.keyword->content == Content::text;
+      checkLine(syntax.headOf(block), isText);
+      for (const SourceLine& line : syntax.linesOf(block)) checkLine(line, isText);
+    }
+    tellLengths();
+    tellTabs();
+  }
+
+ private:
+  void checkLine(const SourceLine& line, bool isText) {
+    const bool isCut = line.text.size() > keptLength && tellCut(line);
+    if (line.text.size() > limit() && !isCut) noteLength(line);
+    if (hasTabs_ && !isText && line.text.find('\t') != line.text.npos) noteTab(line);
+    if (!hasOdd_) return;
+    const auto odd = std::ranges::find_if(line.text, isOdd);
+    if (odd != line.text.end()) {
+      tellOdd(line, static_cast<std::size_t>(odd - line.text.begin()), isText);
+    }
+  }
+
+  std::size_t limit() const { return view_.version != 0 && view_.version < 40 ? 80 : 120; }
+
+  void noteLength(const SourceLine& line) {
+    if (line.text.size() > worst_) {
+      worst_ = line.text.size();
+      worstLine_ = &line;
+      worstBlock_ = block_;
+    }
+    ++longLines_;
+  }
+
+  void tellLengths() {
+    if (worstLine_ == nullptr) return;
+    const std::string more =
+        longLines_ > 1 ? "; " + countOf(longLines_, "line") + " above the limit" : std::string();
+    Spot spot = view_.spotOf(*worstLine_, worstBlock_);
+    spot.column = static_cast<std::int32_t>(limit()) + 1;
+    spot.length = static_cast<std::int32_t>(worst_ - limit());
+    findings_.add(
+        Rule::syntaxLineTooLong, spot,
+        {std::to_string(worst_), std::to_string(limit()),
+         std::string(view_.version == 0 ? "4.2" : standardLimitVersion(view_.version)), more});
+  }
+
+  // Whether a word is cut or lost.
+  bool tellCut(const SourceLine& line) {
+    std::size_t begin = keptLength;
+    const auto isBlank = [&](std::size_t i) { return line.text[i] == ' ' || line.text[i] == '\t'; };
+    while (begin > 0 && !isBlank(begin - 1)) --begin;
+    std::size_t end = begin;
+    while (end < line.text.size() && isBlank(end)) ++end;
+    if (end == line.text.size()) return false;
+    const std::size_t first = end;
+    while (end < line.text.size() && !isBlank(end)) ++end;
+    const std::string word(line.text.substr(first, end - first));
+    const std::string kept =
+        first < keptLength ? word.substr(0, keptLength - first) : std::string();
+    if (kept == word) return false;
+    Spot spot = view_.spotOf(line, block_);
+    spot.column = static_cast<std::int32_t>(first) + 1;
+    spot.length = static_cast<std::int32_t>(word.size());
+    findings_.addOnce(Rule::syntaxLineCut, spot,
+                      {std::to_string(line.text.size()), std::to_string(keptLength), word, kept});
+    return true;
+  }
+
+  void noteTab(const SourceLine& line) {
+    if (tabs_++ == 0) {
+      tabSpot_ = view_.spotOf(line, block_);
+      tabSpot_.column = static_cast<std::int32_t>(line.text.find('\t')) + 1;
+      tabSpot_.length = 1;
+    }
+  }
+
+  void tellTabs() {
+    if (tabs_ == 0) return;
+    findings_.add(Rule::syntaxTab, tabSpot_,
+                  {countOf(tabs_, "line") + (tabs_ == 1 ? " holds" : " hold")});
+  }
+
+  void tellOdd(const SourceLine& line, std::size_t place, bool isText) {
+    const auto byte = static_cast<unsigned char>(line.text[place]);
+    Spot spot = view_.spotOf(line, block_);
+    spot.column = static_cast<std::int32_t>(place) + 1;
+    spot.length = 1;
+    if (byte < 128) return tellControl(line, spot, byte);
+    std::size_t begin = place;
+    while (begin > 0 && line.text[begin - 1] != ' ' && line.text[begin - 1] != '\t') --begin;
+    const std::size_t end = std::min(line.text.find_first_of(" \t", place), line.text.size());
+    std::string hint;
+    const std::string name = nameOf(line.text, place, hint);
+    spot.length = static_cast<std::int32_t>(characterAt(line.text, place).length);
+    Finding* told =
+        findings_.addOnce(Rule::syntaxNonAscii, spot,
+                          {name, std::string(line.text.substr(begin, end - begin)), hint});
+    if (told != nullptr && isText) told->diagnostic.severity = Severity::note;
+  }
+
+  // Ctrl-Z alone on the last line is what old systems end a text with.
+  void tellControl(const SourceLine& line, const Spot& spot, unsigned byte) {
+    const bool isEndMark = byte == 26 && line.number == view_.syntax.facts().lineCount;
+    char text[48];
+    std::snprintf(text, sizeof text, isEndMark ? "Ctrl-Z at the end" : "control character 0x%02x",
+                  byte);
+    Finding* told = findings_.addOnce(Rule::syntaxControlCharacter, spot, {text});
+    if (told != nullptr && isEndMark) told->diagnostic.severity = Severity::note;
+  }
+
+  const View& view_;
+  Findings& findings_;
+  bool hasTabs_;
+  bool hasOdd_;
+  std::uint32_t block_ = 0;
+  std::size_t worst_ = 0;
+  const SourceLine* worstLine_ = nullptr;
+  std::uint32_t worstBlock_ = 0;
+  std::size_t longLines_ = 0;
+  std::size_t tabs_ = 0;
+  Spot tabSpot_;
+};
+
+}  // namespace
+
+bool isForeign(std::string_view text, const Syntax& syntax, Findings& findings) {
+  for (const Signature& signature : signatures) {
+    if (!text.starts_with(signature.bytes)) continue;
+    findings.add(Rule::syntaxNotIbis, {.line = 1}, {std::string(signature.name)});
+    return true;
+  }
+  const bool hasKeyword = !syntax.blocks().empty();
+  const std::size_t nul = text.substr(0, searchedBytes).find('\0');
+  if (!hasKeyword && nul != text.npos) {
+    findings.add(Rule::syntaxNotIbis, {.line = 1}, {"it holds NUL bytes, as no text does"});
+    return true;
+  }
+  const bool isLate =
+      hasKeyword && static_cast<std::size_t>(syntax.headOf(syntax.blocks().front()).whole.data() -
+                                             text.data()) > searchedBytes;
+  if (hasKeyword && !isLate) return false;
+  findings.add(Rule::syntaxNotIbis, {.line = 1},
+               {isLate ? "no keyword stands in its first 64 KiB" : "it holds no keyword"});
+  return true;
+}
+
+void checkBytes(std::string_view text, const View& view, Findings& findings) {
+  const TextFacts& facts = view.syntax.facts();
+  LineChecker(text, view, findings).check();
+  if (text.starts_with("\xef\xbb\xbf")) {
+    findings.add(Rule::syntaxNonAscii, {.line = 1, .column = 1, .length = 3},
+                 {"byte order mark (U+FEFF)", "the first line", "; save the file without it"});
+  }
+  if (facts.nulLine > 0) {
+    findings
+        .add(Rule::syntaxControlCharacter, {.line = facts.nulLine},
+             {"a NUL byte; a load reads nothing behind it"})
+        .diagnostic.severity = Severity::error;
+  }
+  const std::size_t bare = facts.feeds - facts.returnFeeds;
+  if (facts.returnFeeds > 0 && bare > 0) {
+    findings.add(Rule::syntaxMixedLineEnds, {},
+                 {std::to_string(facts.returnFeeds), std::to_string(bare)});
+  }
+}
+
+}  // namespace ibis::checks

@@ -1,0 +1,138 @@
+#include "checks/load_line.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace ibis::checks {
+
+double Curve::at(double place) const {
+  const auto above = std::upper_bound(x.begin(), x.end(), place);
+  const auto index = static_cast<std::size_t>(above - x.begin());
+  const std::size_t upper = std::clamp<std::size_t>(index, 1, x.size() - 1);
+  const double slope = (y[upper] - y[upper - 1]) / (x[upper] - x[upper - 1]);
+  return y[upper - 1] + slope * (place - x[upper - 1]);
+}
+
+Curve curveOf(const Rows& rows, std::size_t corner) {
+  Curve curve;
+  const std::size_t count = rows.size();
+  const bool falls = count > 1 && rows.x.front() > rows.x.back();
+  curve.x.reserve(count);
+  curve.y.reserve(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::size_t row = falls ? count - 1 - i : i;
+    const double value = rows.y[corner][row];
+    const double place = rows.x[row];
+    if (!std::isfinite(value) || !std::isfinite(place)) continue;
+    if (!curve.x.empty() && place <= curve.x.back()) continue;
+    curve.x.push_back(place);
+    curve.y.push_back(value);
+  }
+  return curve;
+}
+
+CornerCurves curvesOf(const Rows& rows) {
+  return {curveOf(rows, typ), curveOf(rows, min), curveOf(rows, max)};
+}
+
+ModelCurves::ModelCurves(const ModelView& model) {
+  for (std::size_t table = 0; table < tables; ++table) {
+    of[table] = curvesOf(model.table[table]);
+  }
+}
+
+std::optional<PadCurrent> PadCurrent::of(const ModelView& model, const ModelCurves& curves,
+                                         bool isHigh, std::size_t corner) {
+  PadCurrent current;
+  const bool isSound = current.add(model, curves, isHigh ? pullup : pulldown, corner) &&
+                       current.add(model, curves, gndClamp, corner) &&
+                       current.add(model, curves, powerClamp, corner);
+  if (!isSound) return std::nullopt;
+  current.collectBreaks();
+  return current;
+}
+
+bool PadCurrent::add(const ModelView& model, const ModelCurves& curves, std::size_t table,
+                     std::size_t corner) {
+  if (!model.table[table].given()) return true;
+  if (!model.table[table].isSound) return false;
+  const bool hasCorner = !curves.of[table][corner].empty();
+  const bool isSameSupply = model.pullupReference(corner) == model.pullupReference(typ);
+  if (!hasCorner && !isSameSupply) return false;
+  const Curve& curve = curves.of[table][hasCorner ? corner : typ];
+  if (curve.empty()) return true;
+  const double reference = table == pulldown   ? model.pulldownReference(corner)
+                           : table == pullup   ? model.pullupReference(corner)
+                           : table == gndClamp ? model.gndClampReference(corner)
+                                               : model.powerClampReference(corner);
+  if (!std::isfinite(reference)) return false;
+  terms_.push_back({.curve = &curve,
+                    .reference = reference,
+                    .isInverted = table == pullup || table == powerClamp});
+  return true;
+}
+
+// Each curve rises or falls with the pad's voltage, so that all are walked in step.
+void PadCurrent::collectBreaks() {
+  std::vector<double> merged;
+  for (const Term& term : terms_) {
+    std::vector<double> own(term.curve->x);
+    for (double& x : own) x = term.isInverted ? term.reference - x : term.reference + x;
+    if (term.isInverted) std::ranges::reverse(own);
+    merged.resize(breaks_.size() + own.size());
+    std::ranges::merge(breaks_, own, merged.begin());
+    std::swap(breaks_, merged);
+  }
+  const auto rest = std::ranges::unique(breaks_);
+  breaks_.erase(rest.begin(), rest.end());
+  currents_.assign(breaks_.size(), 0.0);
+  for (const Term& term : terms_) addCurrents(term);
+}
+
+void PadCurrent::addCurrents(const Term& term) {
+  const std::vector<double>& x = term.curve->x;
+  const std::vector<double>& y = term.curve->y;
+  std::size_t upper = 1;
+  for (std::size_t i = 0; i < breaks_.size(); ++i) {
+    const std::size_t place = term.isInverted ? breaks_.size() - 1 - i : i;
+    const double own =
+        term.isInverted ? term.reference - breaks_[place] : breaks_[place] - term.reference;
+    while (upper + 1 < x.size() && x[upper] <= own) ++upper;
+    const double slope = (y[upper] - y[upper - 1]) / (x[upper] - x[upper - 1]);
+    currents_[place] += y[upper - 1] + slope * (own - x[upper - 1]);
+  }
+}
+
+double PadCurrent::at(double pad) const {
+  double sum = 0.0;
+  for (const Term& term : terms_) {
+    sum += term.curve->at(term.isInverted ? term.reference - pad : pad - term.reference);
+  }
+  return sum;
+}
+
+double PadCurrent::settled(double loadVoltage, double load, double expected) const {
+  if (breaks_.empty()) return loadVoltage;
+  constexpr double beyond = 10.0;
+  const double span = breaks_.back() - breaks_.front();
+  double best = notGiven;
+  const auto take = [&](double root) {
+    if (std::isnan(best) || std::abs(root - expected) < std::abs(best - expected)) best = root;
+  };
+  double a = std::min(breaks_.front(), loadVoltage) - span - beyond;
+  double ga = at(a) - (loadVoltage - a) / load;
+  const auto step = [&](double b, double current) {
+    const double gb = current - (loadVoltage - b) / load;
+    if (ga == 0.0) take(a);
+    if ((ga < 0.0 && gb > 0.0) || (ga > 0.0 && gb < 0.0)) take(a - ga * (b - a) / (gb - ga));
+    a = b;
+    ga = gb;
+  };
+  for (std::size_t i = 0; i < breaks_.size(); ++i) step(breaks_[i], currents_[i]);
+  const double end = std::max(breaks_.back(), loadVoltage) + span + beyond;
+  step(end, at(end));
+  if (ga == 0.0) take(a);
+  return best;
+}
+
+}  // namespace ibis::checks

@@ -1,0 +1,90 @@
+#include "checks/number_word.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "ibis/ibis_string.h"
+#include "model/numbers/numbers.h"
+
+namespace ibis::checks {
+namespace {
+
+constexpr std::string_view units[] = {"V",    "A",    "F",     "H",     "s",    "Ohm",   "Ohms",
+                                      "C",    "Hz",   "W",     "sec",   "volt", "volts", "amp",
+                                      "amps", "degC", "farad", "henry", "Deg",  "%"};
+constexpr std::string_view scaleLetters = "TGMkmunpf";
+constexpr double scaleFactors[] = {1e12, 1e9, 1e6, 1e3, 1e-3, 1e-6, 1e-9, 1e-12, 1e-15};
+constexpr std::string_view smallScaleLetters = "PNUK";
+constexpr double missing = std::numeric_limits<double>::quiet_NaN();
+
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isLetter(char c) { return upperCase(c) >= 'A' && upperCase(c) <= 'Z'; }
+
+bool isUnit(std::string_view text) {
+  return std::ranges::any_of(units,
+                             [&](std::string_view unit) { return equalIgnoringCase(unit, text); });
+}
+
+// What may follow a scale letter: letters, percent signs, slashes and brackets.
+bool isCleanRest(std::string_view text) {
+  return std::ranges::all_of(text, [](char c) {
+    return isLetter(c) || c == '%' || c == '/' || c == '(' || c == ')' || c == '[' || c == ']';
+  });
+}
+
+NumberFault faultOfTail(std::string_view tail) {
+  if (tail.empty()) return NumberFault::none;
+  if (tail[0] == ',' && tail.size() > 1 && isDigit(tail[1])) return NumberFault::decimalComma;
+  const bool hasScale = scaleLetters.find(tail[0]) != tail.npos;
+  if (hasScale && isCleanRest(tail.substr(1))) return NumberFault::none;
+  if (!hasScale && isUnit(tail)) return NumberFault::none;
+  const bool isSmallScale = smallScaleLetters.find(tail[0]) != tail.npos;
+  if (isSmallScale && (tail.size() == 1 || isUnit(tail.substr(1)))) return NumberFault::suffixCase;
+  return std::ranges::any_of(tail, isDigit) ? NumberFault::digitInSuffix
+                                            : NumberFault::unknownSuffix;
+}
+
+bool startsAsNumber(std::string_view word) {
+  if (!word.empty() && (word[0] == '+' || word[0] == '-')) word.remove_prefix(1);
+  if (!word.empty() && word[0] == '.') word.remove_prefix(1);
+  return !word.empty() && isDigit(word[0]);
+}
+
+bool isHexadecimal(std::string_view word) {
+  if (word[0] == '+' || word[0] == '-') word.remove_prefix(1);
+  return word.size() > 1 && word[0] == '0' && (word[1] == 'x' || word[1] == 'X');
+}
+
+}  // namespace
+
+NumberWord readNumberWord(std::string_view word) {
+  if (!startsAsNumber(word)) {
+    if (equalIgnoringCase(word, notAvailable)) {
+      return {.value = missing, .fault = NumberFault::notAvailable};
+    }
+    return {.value = missing, .fault = NumberFault::notANumber, .tail = word};
+  }
+  const NumberPrefix number = readNumber(word);
+  if (isHexadecimal(word)) {
+    return {.value = missing, .fault = NumberFault::notANumber, .tail = word};
+  }
+  if (number.length == word.size()) return {.value = number.value};
+  const std::string_view tail = word.substr(number.length);
+  const std::size_t scale = scaleLetters.find(tail[0]);
+  const double factor = scale == scaleLetters.npos ? 1.0 : scaleFactors[scale];
+  return {.value = number.value * factor, .fault = faultOfTail(tail), .tail = tail};
+}
+
+bool isUnitWord(std::string_view word) {
+  if (word.empty() || word.size() > 6) return false;
+  if (isUnit(word)) return true;
+  const bool hasScale = scaleLetters.find(word[0]) != word.npos;
+  return hasScale && word.size() > 1 && isUnit(word.substr(1)) && !equalIgnoringCase(word, "NA");
+}
+
+bool maySayMilli(std::string_view tail) {
+  return tail.size() > 1 && tail[0] == 'M' && isUnit(tail.substr(1));
+}
+
+}  // namespace ibis::checks

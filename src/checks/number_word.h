@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+namespace ibis::checks {
+
+/// What may be wrong with a word that should be a number.
+enum class NumberFault : std::uint8_t {
+  none,
+  notAvailable,   ///< NA
+  notANumber,     ///< No digits, or nan, inf or hexadecimal.
+  decimalComma,   ///< A comma and a digit behind the digits.
+  suffixCase,     ///< A scale letter in the wrong case.
+  unknownSuffix,  ///< Neither scale letter nor unit.
+  digitInSuffix,  ///< The same with a digit in it.
+};
+
+/// A word read as a load reads it, and what is odd about it.
+struct NumberWord {
+  double value = 0.0;  ///< Not a number for NA and for a word without digits.
+  NumberFault fault = NumberFault::none;
+  std::string_view tail = {};  ///< Behind the digits.
+};
+
+NumberWord readNumberWord(std::string_view word);
+
+/// Whether a word is a unit alone, such as V, pF or mOhm.
+bool isUnitWord(std::string_view word);
+
+/// Whether a tail such as MA may mean milli, as mA does.
+bool maySayMilli(std::string_view tail);
+
+}  // namespace ibis::checks
