@@ -68,18 +68,36 @@ void takeInductances(CoupledPackage& package, const SymmetricMatrix& matrix, dou
   }
 }
 
+// The fewest steps of scaling that make the couplings those of a passive network. Scaling brings a
+// symmetric matrix nearer to the unit matrix, so from there on every step does, and halving finds
+// it.
+int stepsToPassive(const CoupledPackage& package, double scale) {
+  const auto isPassive = [&](int steps) {
+    return isPositiveDefinite(normalised(package.inductance.size(), package.couplings,
+                                         scale * std::pow(scaleStep, steps)));
+  };
+  if (isPassive(0)) return 0;
+  int least = 1;
+  int most = mostSteps;
+  while (least < most) {
+    const int middle = (least + most) / 2;
+    if (isPassive(middle)) {
+      most = middle;
+    } else {
+      least = middle + 1;
+    }
+  }
+  return least;
+}
+
 // Scales the couplings until they are those of a passive network.
 void makeInductancesPassive(CoupledPackage& package) {
-  const std::size_t size = package.inductance.size();
   double largest = 0.0;
   for (const InductiveCoupling& each : package.couplings) {
     largest = std::max(largest, std::fabs(each.k));
   }
-  if (largest >= 1.0) package.inductanceScale = scaleStep / largest;
-  for (int step = 0; step < mostSteps; ++step) {
-    if (isPositiveDefinite(normalised(size, package.couplings, package.inductanceScale))) break;
-    package.inductanceScale *= scaleStep;
-  }
+  const double start = largest >= 1.0 ? scaleStep / largest : 1.0;
+  package.inductanceScale = start * std::pow(scaleStep, stepsToPassive(package, start));
   for (InductiveCoupling& each : package.couplings) each.k *= package.inductanceScale;
 }
 

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <numeric>
+
 namespace ibis {
 namespace {
 
@@ -61,6 +63,28 @@ TEST(Coupling, InductancesThatAreNotPassiveAreScaled) {
   ASSERT_EQ(package.couplings.size(), 1u);
   EXPECT_LT(package.couplings[0].k, 1.0);
   EXPECT_LT(package.inductanceScale, 1.0);
+}
+
+// All of n pins against each other: positive definite for k above -1 / (n - 1) only.
+IBISPackageModel opposed(std::int32_t count) {
+  IBISPackageModel model;
+  for (std::int32_t row = 1; row <= count; ++row) {
+    model.inductance.push_back({row, row, 1e-9});
+    for (std::int32_t column = row + 1; column <= count; ++column) {
+      model.inductance.push_back({row, column, -0.9e-9});
+    }
+  }
+  return model;
+}
+
+TEST(Coupling, ManyPinsThatAreFarFromPassiveAreScaledByTheLargestStepThatHelps) {
+  std::vector<std::int32_t> all(400);
+  std::iota(all.begin(), all.end(), 1);
+  const CoupledPackage package = coupledPackage(opposed(400), all, 0.0);
+  ASSERT_EQ(package.couplings.size(), 400u * 399u / 2u);
+  EXPECT_LT(package.couplings[0].k, 0.0);
+  EXPECT_GT(package.couplings[0].k, -1.0 / 399.0);
+  EXPECT_LT(package.couplings[0].k / 0.999, -1.0 / 399.0);
 }
 
 TEST(Coupling, ANegativeCapacitorStaysInAPassiveNetwork) {
