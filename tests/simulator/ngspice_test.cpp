@@ -8,6 +8,7 @@
 #include "output/stream/memory_sink.h"
 #include "simulator/component_netlist.h"
 #include "simulator/measuring_bench.h"
+#include "spice_bench.h"
 #include "verify_model.h"
 
 namespace ibis::cli {
@@ -15,13 +16,6 @@ namespace {
 
 constexpr std::string_view fineOptions = ".options reltol=1e-4 trtol=1";
 constexpr double supply = 3.0;
-
-#define SKIP_WITHOUT_NGSPICE()            \
-  try {                                   \
-    requireNgspice();                     \
-  } catch (const SimulatorFault& fault) { \
-    GTEST_SKIP() << fault.what();         \
-  }
 
 template <class Write>
 std::string written(Write write) {
