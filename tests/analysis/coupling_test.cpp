@@ -32,6 +32,43 @@ TEST(Coupling, CholeskyTellsDefiniteMatrices) {
   EXPECT_TRUE(isPositiveDefinite(SymmetricMatrix()));
 }
 
+// Every pair of three pins passes alone; the determinant 1 + 2 k^3 - 3 k^2 of all three is 0.044
+// for -0.49 and -0.512 for -0.6.
+TEST(Coupling, CholeskySeesWhatNoPairTells) {
+  for (const double k : {-0.49, -0.6}) {
+    SymmetricMatrix three(3);
+    for (std::size_t i = 0; i < 3; ++i) {
+      for (std::size_t j = i; j < 3; ++j) three.set(i, j, i == j ? 1.0 : k);
+    }
+    EXPECT_EQ(isPositiveDefinite(three), k == -0.49);
+  }
+}
+
+// The smallest eigenvalue of Hilbert's matrix of six rows lies between 1.08e-7 and 1.09e-7, by the
+// signs of its leading minors in exact fractions.
+TEST(Coupling, CholeskyTellsTheLastDefiniteMatrix) {
+  for (const double shift : {1.08e-7, 1.09e-7}) {
+    SymmetricMatrix hilbert(6);
+    for (std::size_t i = 0; i < 6; ++i) {
+      for (std::size_t j = i; j < 6; ++j) {
+        hilbert.set(i, j, 1.0 / static_cast<double>(i + j + 1) - (i == j ? shift : 0.0));
+      }
+    }
+    EXPECT_EQ(isPositiveDefinite(hilbert), shift == 1.08e-7);
+  }
+}
+
+TEST(Coupling, NegativeAndUnusableNumbersAreTold) {
+  IBISPackageModel model = twoPins(1.8e-9, -0.25e-12);
+  model.inductance[0].value = -4e-9;
+  model.resistance[2].value = 1e300;
+  const CoupledPackage package = coupledPackage(model, rows, 0.01);
+  EXPECT_TRUE(package.hasBadDiagonal);
+  EXPECT_EQ(package.inductance, (std::vector<double>{0.0, 9e-9}));
+  EXPECT_EQ(package.resistance, (std::vector<double>{0.1, 0.0}));
+  EXPECT_TRUE(package.couplings.empty());
+}
+
 TEST(Coupling, InductancesBecomeFactorsAndCapacitancesElements) {
   const CoupledPackage package = coupledPackage(twoPins(1.8e-9, -0.25e-12), rows, 0.01);
   EXPECT_EQ(package.inductance, (std::vector<double>{4e-9, 9e-9}));
