@@ -136,5 +136,11 @@ TEST(Coupling, CapacitancesThatAreNotPassiveLoseTheNegativeOnes) {
   EXPECT_EQ(package.droppedCapacitances, 2u);
 }
 
+TEST(Coupling, ANegativeCapacitorBetweenPinsGoesLikewise) {
+  const CoupledPackage package = coupledPackage(twoPins(0.0, 3e-12), rows, 0.01);
+  EXPECT_TRUE(package.mutual.empty());
+  EXPECT_EQ(package.droppedCapacitances, 1u);
+}
+
 }  // namespace
 }  // namespace ibis
