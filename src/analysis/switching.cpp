@@ -2,28 +2,15 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
-#include <numeric>
 
-#include "analysis/coefficient_solver.h"
-#include "analysis/die_waveform.h"
+#include "analysis/edge_problem.h"
 #include "analysis/load_line.h"
-#include "analysis/waveform_points.h"
-#include "model/estimate_waveforms.h"
 
 namespace ibis {
 namespace {
 
-constexpr std::size_t uniformPoints = 1500;
-constexpr std::size_t choicePoints = 60;
-constexpr std::size_t mostWaveforms = 16;  // of an edge that are looked at
-constexpr double smallestSwing = 1e-3;     // volts
-constexpr double smallestShare = 0.03;     // of the largest swing of the edge
-constexpr double movedShare = 0.01;        // of its swing: a waveform has begun to move
-constexpr double settledShare = 0.005;     // of its swing: a waveform has settled
-constexpr double firstStep = 1e-5;         // of the span: where a slope at time 0 is met
-constexpr double tailEnd = 1.1;            // in spans
-constexpr double dryLow = -1.0;            // coefficients that waveforms agree on stay inside
+constexpr double tailEnd = 1.1;  // in spans
+constexpr double dryLow = -1.0;  // coefficients that waveforms agree on stay inside
 constexpr double dryHigh = 2.0;
 constexpr double outsideShare = 0.02;   // of the span
 constexpr double worstEstimate = 0.02;  // static mismatch of an estimate
@@ -38,228 +25,9 @@ constexpr double smoothstepBand = 0.4257185;  // of a smoothstep's width, from 2
 constexpr double assumedRamp = 1e-9;          // seconds, where a file tells nothing
 constexpr std::size_t rampPoints = 200;
 
-// One waveform that can be used.
-struct Usable {
-  std::size_t index = 0;  // in the model's list
-  WaveformPoints points;
-  Fixture fixture;
-  double swing = 0.0;
-};
-
-// What the waveforms of an edge offer at a corner.
-struct Offer {
-  std::vector<Usable> usable;
-  bool hasOwnPoints = false;
-  bool isEstimate = false;
-};
-
-// All that the solution of one edge needs.
-struct Problem {
-  const Device* device;
-  Edge edge;
-  std::vector<double> grid;
-  std::vector<const Usable*> chosen;
-  std::vector<DieWaveform> waves;  // one a chosen waveform
-  std::vector<CurrentRow> rows;    // one a chosen waveform for each time
-};
-
-using CoefficientList = std::vector<Coefficients>;
-
-const std::vector<IBISWaveform>& waveformsOf(const IBISModel& model, Edge edge) {
-  return edge == Edge::rising ? model.risingWaveforms : model.fallingWaveforms;
-}
-
-Coefficients startOf(DriverKind driver, Edge edge) {
-  return settled(driver, edge == Edge::falling);
-}
-
-Coefficients endOf(DriverKind driver, Edge edge) { return settled(driver, edge == Edge::rising); }
-
 double smoothstep(double x) {
   const double s = std::clamp(x, 0.0, 1.0);
   return s * s * (3.0 - 2.0 * s);
-}
-
-bool isSpan(const WaveformPoints& points) { return points.size() >= 2 && points.time.back() > 0.0; }
-
-void dropSmall(Offer& offer, Edge edge, std::size_t unusable, Findings& findings) {
-  double largest = 0.0;
-  for (const Usable& each : offer.usable) largest = std::max(largest, each.swing);
-  const double limit = std::max(smallestSwing, smallestShare * largest);
-  unusable += std::erase_if(offer.usable, [&](const Usable& u) { return u.swing <= limit; });
-  if (offer.hasOwnPoints && unusable != 0) {
-    findings.push_back({.kind = FindingKind::waveformsUnusable, .edge = edge, .count = unusable});
-  }
-}
-
-Offer offerOf(const IBISModel& model, Edge edge, int corner, Findings& findings) {
-  Offer offer;
-  std::size_t unusable = 0;
-  std::size_t dropped = 0;
-  const std::vector<IBISWaveform>& list = waveformsOf(model, edge);
-  for (std::size_t i = 0; i < std::min(list.size(), mostWaveforms); ++i) {
-    const bool isEstimate = list[i].estimate != nullptr;
-    WaveformPoints points =
-        isEstimate ? ownPoints(withPoints(list[i]), corner) : ownPoints(list[i], corner);
-    offer.isEstimate = offer.isEstimate || isEstimate;
-    offer.hasOwnPoints = offer.hasOwnPoints || points.size() >= 2;
-    if (!isSpan(points)) {
-      ++unusable;
-      continue;
-    }
-    dropped += points.missingCells;
-    const double swing = swingOf(points);
-    offer.usable.push_back({i, std::move(points), fixtureOf(list[i], corner), swing});
-  }
-  if (dropped != 0) {
-    findings.push_back({.kind = FindingKind::waveformCellsDropped, .edge = edge, .count = dropped});
-  }
-  dropSmall(offer, edge, unusable, findings);
-  return offer;
-}
-
-double spanOf(const std::vector<const Usable*>& chosen) {
-  double span = 0.0;
-  for (const Usable* each : chosen) span = std::max(span, each->points.time.back());
-  return span;
-}
-
-std::vector<double> gridOf(const std::vector<const Usable*>& chosen) {
-  const double span = spanOf(chosen);
-  std::vector<double> grid{0.0, firstStep * span};
-  for (std::size_t i = 1; i <= uniformPoints; ++i) {
-    grid.push_back(span * static_cast<double>(i) / static_cast<double>(uniformPoints));
-  }
-  for (const Usable* each : chosen) {
-    const auto middle = static_cast<std::ptrdiff_t>(grid.size());
-    for (const double t : each->points.time) {
-      if (t > 0.0) grid.push_back(t);
-    }
-    std::inplace_merge(grid.begin(), grid.begin() + middle, grid.end());
-  }
-  const double gap = 1e-9 * span;
-  const auto isNear = [gap](double a, double b) { return b - a < gap; };
-  grid.erase(std::unique(grid.begin(), grid.end(), isNear), grid.end());
-  return grid;
-}
-
-double pairQuality(const CurrentRow& a, const CurrentRow& b) {
-  const double norm = a.up * a.up + a.down * a.down + b.up * b.up + b.down * b.down;
-  return norm > 0.0 ? std::fabs(a.up * b.down - a.down * b.up) / norm : 0.0;
-}
-
-double median(std::vector<double>& values) {
-  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
-}
-
-// The tables' currents along one waveform, at equal steps of the span.
-std::vector<CurrentRow> rowsAlong(const Device& device, const Usable& wave, double span) {
-  std::vector<CurrentRow> rows;
-  PadCurrentReader reader(device);
-  const Curve curve{wave.points.time, wave.points.voltage};
-  CurveReader voltage(curve);
-  for (std::size_t i = 0; i < choicePoints; ++i) {
-    const double t = span * static_cast<double>(i) / static_cast<double>(choicePoints - 1);
-    const double v = voltage(std::clamp(t, curve.x.front(), curve.x.back()));
-    const PadCurrents currents = reader.at(v);
-    rows.push_back({currents.pullup, currents.pulldown, 0.0});
-  }
-  return rows;
-}
-
-// The two waveforms whose equations differ most, in the median over the span.
-std::vector<const Usable*> bestPair(const Device& device, const std::vector<Usable>& usable) {
-  double span = 0.0;
-  for (const Usable& each : usable) span = std::max(span, each.points.time.back());
-  std::vector<std::vector<CurrentRow>> rows;
-  for (const Usable& each : usable) rows.push_back(rowsAlong(device, each, span));
-  std::vector<const Usable*> best{&usable[0], &usable[1]};
-  double bestQuality = -1.0;
-  for (std::size_t i = 0; i < usable.size(); ++i) {
-    for (std::size_t j = i + 1; j < usable.size(); ++j) {
-      std::vector<double> qualities;
-      for (std::size_t k = 0; k < choicePoints; ++k) {
-        qualities.push_back(pairQuality(rows[i][k], rows[j][k]));
-      }
-      const double quality = median(qualities);
-      if (quality <= bestQuality) continue;
-      bestQuality = quality;
-      best = {&usable[i], &usable[j]};
-    }
-  }
-  return best;
-}
-
-std::vector<const Usable*> choose(const Device& device, const std::vector<Usable>& usable) {
-  if (device.driver == DriverKind::pushPull && usable.size() >= 2) return bestPair(device, usable);
-  std::vector<const Usable*> all;
-  for (const Usable& each : usable) all.push_back(&each);
-  return all;
-}
-
-CurrentRow rowAt(PadCurrentReader& reader, double capacitance, const DieWaveform& wave,
-                 std::size_t i) {
-  const PadCurrents currents = reader.at(wave.voltage[i]);
-  return {currents.pullup, currents.pulldown,
-          -wave.load[i] - capacitance * wave.slope[i] - currents.clamps};
-}
-
-Problem makeProblem(const Device& device, Edge edge, std::vector<const Usable*> chosen) {
-  Problem problem{&device, edge, gridOf(chosen), std::move(chosen), {}, {}};
-  const std::size_t count = problem.chosen.size();
-  problem.rows.resize(problem.grid.size() * count);
-  for (std::size_t w = 0; w < count; ++w) {
-    const Usable& each = *problem.chosen[w];
-    problem.waves.push_back(dieWaveform(each.points, each.fixture, problem.grid));
-    PadCurrentReader reader(device);
-    for (std::size_t i = 0; i < problem.grid.size(); ++i) {
-      problem.rows[i * count + w] = rowAt(reader, device.capacitances.total(), problem.waves[w], i);
-    }
-  }
-  return problem;
-}
-
-CoefficientList solveOpenDriver(const Problem& problem) {
-  const DriverKind driver = problem.device->driver;
-  const std::vector<double> k =
-      solveOpen(problem.rows, problem.chosen.size(), problem.grid, driver);
-  CoefficientList list;
-  for (const double each : k) {
-    list.push_back(driver == DriverKind::openSource ? Coefficients{each, 0.0}
-                                                    : Coefficients{0.0, each});
-  }
-  return list;
-}
-
-CoefficientList solveAll(const Problem& problem) {
-  if (problem.device->driver != DriverKind::pushPull) return solveOpenDriver(problem);
-  CoefficientList list;
-  for (std::size_t i = 0; i < problem.grid.size(); ++i) {
-    list.push_back(problem.chosen.size() == 2
-                       ? solvePair(problem.rows[2 * i], problem.rows[2 * i + 1])
-                       : solveComplement(problem.rows[i]));
-  }
-  return list;
-}
-
-// The solution at the start as if nothing had moved yet.
-Coefficients restingSolution(const Problem& problem) {
-  std::vector<CurrentRow> rows;
-  for (std::size_t w = 0; w < problem.chosen.size(); ++w) {
-    PadCurrentReader reader(*problem.device);
-    const PadCurrents currents = reader.at(problem.waves[w].voltage.front());
-    rows.push_back(
-        {currents.pullup, currents.pulldown, -problem.waves[w].restingLoad - currents.clamps});
-  }
-  if (problem.device->driver == DriverKind::pushPull) {
-    return rows.size() == 2 ? solvePair(rows[0], rows[1]) : solveComplement(rows[0]);
-  }
-  const double start = 0.0;
-  const double k = solveOpen(rows, rows.size(), std::span(&start, 1), problem.device->driver)[0];
-  return problem.device->driver == DriverKind::openSource ? Coefficients{k, 0.0}
-                                                          : Coefficients{0.0, k};
 }
 
 bool isOutside(Coefficients k) {
@@ -267,7 +35,7 @@ bool isOutside(Coefficients k) {
 }
 
 // Share of the span in which coefficients are no driver's.
-double timeOutside(const Problem& problem, const CoefficientList& list) {
+double timeOutside(const EdgeProblem& problem, const CoefficientList& list) {
   double time = 0.0;
   for (std::size_t i = 1; i < list.size(); ++i) {
     if (isOutside(list[i])) time += problem.grid[i] - problem.grid[i - 1];
@@ -275,41 +43,17 @@ double timeOutside(const Problem& problem, const CoefficientList& list) {
   return time / problem.grid.back();
 }
 
-double deadTimeOf(const Problem& problem) {
-  std::size_t moved = problem.grid.size() - 1;
-  for (std::size_t w = 0; w < problem.chosen.size(); ++w) {
-    const std::vector<double>& v = problem.waves[w].voltage;
-    const double limit = movedShare * problem.chosen[w]->swing;
-    const auto first =
-        std::ranges::find_if(v, [&](double each) { return std::fabs(each - v.front()) > limit; });
-    moved = std::min(moved, static_cast<std::size_t>(first - v.begin()));
-  }
-  return problem.grid[moved == 0 ? 0 : moved - 1];
-}
-
-double activeTimeOf(const Problem& problem) {
-  std::size_t active = 0;
-  for (std::size_t w = 0; w < problem.chosen.size(); ++w) {
-    const std::vector<double>& v = problem.waves[w].voltage;
-    const double limit = settledShare * problem.chosen[w]->swing;
-    for (std::size_t i = active; i < v.size(); ++i) {
-      if (std::fabs(v[i] - v.back()) > limit) active = i;
-    }
-  }
-  return problem.grid[std::min(active + 1, problem.grid.size() - 1)];
-}
-
 // The time in which a static mismatch is taken out.
-double settlingTime(const Problem& problem, double deadTime) {
+double settlingTime(const EdgeProblem& problem, double deadTime) {
   const double span = problem.grid.back();
   double step = span;
-  for (const Usable* each : problem.chosen) {
+  for (const UsableWaveform* each : problem.chosen) {
     step = std::min(step, each->points.time[1] - each->points.time[0]);
   }
   return std::max({deadTime, std::min(step, 0.003 * span), firstStep * span});
 }
 
-void takeOutMismatch(const Problem& problem, CoefficientList& list, double time) {
+void takeOutMismatch(const EdgeProblem& problem, CoefficientList& list, double time) {
   const Coefficients nominal = startOf(problem.device->driver, problem.edge);
   const Coefficients resting = restingSolution(problem);
   const Coefficients mismatch{resting.up - nominal.up, resting.down - nominal.down};
@@ -321,7 +65,7 @@ void takeOutMismatch(const Problem& problem, CoefficientList& list, double time)
   list.front() = nominal;
 }
 
-double thinningTolerance(const Problem& problem) {
+double thinningTolerance(const EdgeProblem& problem) {
   double tolerance = coarsestThinning;
   const std::size_t count = problem.chosen.size();
   for (std::size_t w = 0; w < count; ++w) {
@@ -329,7 +73,7 @@ double thinningTolerance(const Problem& problem) {
     for (std::size_t i = w; i < problem.rows.size(); i += count) {
       largest = std::max({largest, std::fabs(problem.rows[i].up), std::fabs(problem.rows[i].down)});
     }
-    const Usable& each = *problem.chosen[w];
+    const UsableWaveform& each = *problem.chosen[w];
     if (!(largest > 0.0)) continue;
     tolerance =
         std::min(tolerance, thinnedShare * each.swing / (each.fixture.resistance * largest));
@@ -337,7 +81,7 @@ double thinningTolerance(const Problem& problem) {
   return std::max(tolerance, finestThinning);
 }
 
-void tellEnd(const Problem& problem, Coefficients last, Findings& findings) {
+void tellEnd(const EdgeProblem& problem, Coefficients last, Findings& findings) {
   const Coefficients nominal = endOf(problem.device->driver, problem.edge);
   const double distance =
       std::max(std::fabs(last.up - nominal.up), std::fabs(last.down - nominal.down));
@@ -345,7 +89,7 @@ void tellEnd(const Problem& problem, Coefficients last, Findings& findings) {
   findings.push_back({.kind = FindingKind::endOffNominal, .edge = problem.edge, .value = distance});
 }
 
-void tellJump(const Problem& problem, Findings& findings) {
+void tellJump(const EdgeProblem& problem, Findings& findings) {
   double largest = 0.0;
   for (std::size_t w = 0; w < problem.chosen.size(); ++w) {
     const std::vector<double>& v = problem.waves[w].voltage;
@@ -357,20 +101,21 @@ void tellJump(const Problem& problem, Findings& findings) {
   findings.push_back({.kind = FindingKind::waveformJumps, .edge = problem.edge, .value = largest});
 }
 
-double largestMismatch(const Device& device, Edge edge, const std::vector<const Usable*>& chosen) {
+double largestMismatch(const Device& device, Edge edge,
+                       const std::vector<const UsableWaveform*>& chosen) {
   double largest = 0.0;
-  for (const Usable* each : chosen) {
+  for (const UsableWaveform* each : chosen) {
     largest = std::max(largest, staticMismatch(device, edge, each->points, each->fixture));
   }
   return largest;
 }
 
-EdgeCoefficients finish(const Problem& problem, CoefficientList list, Findings& findings) {
+EdgeCoefficients finish(const EdgeProblem& problem, CoefficientList list, Findings& findings) {
   EdgeCoefficients result;
   result.span = problem.grid.back();
   result.deadTime = deadTimeOf(problem);
   result.activeTime = activeTimeOf(problem);
-  for (const Usable* each : problem.chosen) result.used.push_back(each->index);
+  for (const UsableWaveform* each : problem.chosen) result.used.push_back(each->index);
   tellEnd(problem, list.back(), findings);
   tellJump(problem, findings);
   const double mismatch = largestMismatch(*problem.device, problem.edge, problem.chosen);
@@ -390,14 +135,14 @@ EdgeCoefficients finish(const Problem& problem, CoefficientList list, Findings& 
 }
 
 // Waveforms that contradict each other make coefficients that no driver has; one must go.
-EdgeCoefficients solveEdge(const Device& device, Edge edge, std::vector<const Usable*> chosen,
-                           Findings& findings) {
-  Problem problem = makeProblem(device, edge, std::move(chosen));
+EdgeCoefficients solveEdge(const Device& device, Edge edge,
+                           std::vector<const UsableWaveform*> chosen, Findings& findings) {
+  EdgeProblem problem = makeProblem(device, edge, std::move(chosen));
   CoefficientList list = solveAll(problem);
   const bool isPair = device.driver == DriverKind::pushPull && problem.chosen.size() == 2;
   if (isPair && timeOutside(problem, list) > outsideShare) {
     const bool firstIsLarger = problem.chosen[0]->swing >= problem.chosen[1]->swing;
-    const Usable* kept = problem.chosen[firstIsLarger ? 0 : 1];
+    const UsableWaveform* kept = problem.chosen[firstIsLarger ? 0 : 1];
     findings.push_back(
         {.kind = FindingKind::waveformsContradict, .edge = edge, .count = kept->index});
     problem = makeProblem(device, edge, {kept});
@@ -438,8 +183,8 @@ EdgeCoefficients edgeOfTyp(const IBISModel& model, Edge edge, Findings& findings
   return result;
 }
 
-bool suits(const Device& device, Edge edge, const Offer& offer,
-           const std::vector<const Usable*>& chosen, Findings& findings) {
+bool suits(const Device& device, Edge edge, const WaveformOffer& offer,
+           const std::vector<const UsableWaveform*>& chosen, Findings& findings) {
   if (!offer.isEstimate) return true;
   const double mismatch = largestMismatch(device, edge, chosen);
   if (!device.isEcl && mismatch <= worstEstimate) return true;
@@ -447,7 +192,7 @@ bool suits(const Device& device, Edge edge, const Offer& offer,
   return false;
 }
 
-EdgeMethod methodOf(const Offer& offer, std::size_t used) {
+EdgeMethod methodOf(const WaveformOffer& offer, std::size_t used) {
   if (offer.isEstimate) return EdgeMethod::estimatedWaveforms;
   return used >= 2 ? EdgeMethod::twoWaveforms : EdgeMethod::oneWaveform;
 }
@@ -484,14 +229,14 @@ double staticMismatch(const Device& device, Edge edge, const WaveformPoints& poi
 EdgeCoefficients extractEdge(const IBISModel& model, const Device& device, Edge edge, int corner,
                              Findings& findings) {
   if (device.driver == DriverKind::none) return {};
-  const Offer offer = offerOf(model, edge, corner, findings);
+  const WaveformOffer offer = offerOf(model, edge, corner, findings);
   const bool hasTables = !device.pullup.empty() || !device.pulldown.empty();
   const bool hasList = !waveformsOf(model, edge).empty();
   if (hasTables && hasList && !offer.hasOwnPoints && corner != corner::typ) {
     return edgeOfTyp(model, edge, findings);
   }
   if (!hasTables || offer.usable.empty()) return rampEdge(model, device, edge, corner, findings);
-  std::vector<const Usable*> chosen = choose(device, offer.usable);
+  std::vector<const UsableWaveform*> chosen = choose(device, offer.usable);
   if (!suits(device, edge, offer, chosen, findings)) {
     return rampEdge(model, device, edge, corner, findings);
   }
