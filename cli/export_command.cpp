@@ -10,6 +10,7 @@
 #include "interruption.h"
 #include "json_line.h"
 #include "report.h"
+#include "simulator/device_notes.h"
 #include "simulator/dialect.h"
 #include "verify_model.h"
 

@@ -14,6 +14,7 @@
 #include "messages.h"
 #include "ngspice.h"
 #include "progress.h"
+#include "simulator/device_notes.h"
 #include "verify_model.h"
 
 namespace ibis::cli {

@@ -177,22 +177,6 @@ ModelResult verifyModel(const IBISModel& model, int corner, std::string_view opt
   return result;
 }
 
-std::string_view methodText(EdgeMethod method) {
-  switch (method) {
-    case EdgeMethod::twoWaveforms:
-      return "two waveforms";
-    case EdgeMethod::oneWaveform:
-      return "one waveform";
-    case EdgeMethod::estimatedWaveforms:
-      return "estimated waveforms";
-    case EdgeMethod::ramp:
-      return "ramp";
-    case EdgeMethod::none:
-      break;
-  }
-  return "none";
-}
-
 std::string_view edgeText(Edge edge) { return edge == Edge::rising ? "rising" : "falling"; }
 
 }  // namespace ibis::cli

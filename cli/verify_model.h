@@ -39,9 +39,6 @@ struct ModelResult {
 /// through 50 ohm. The references are the file's points and the operating points of the load line.
 ModelResult verifyModel(const IBISModel& model, int corner, std::string_view options);
 
-/// Words for how an edge's coefficients were made.
-std::string_view methodText(EdgeMethod method);
-
 /// The word of an edge.
 std::string_view edgeText(Edge edge);
 
