@@ -107,21 +107,29 @@ using Json = nlohmann::ordered_json;
 
 Json nameOrNull(const std::string& name) { return name.empty() ? Json() : Json(name); }
 
+Json toJson(const Rails& rails) {
+  return {{"pu", rails.pu}, {"pd", rails.pd}, {"pc", rails.pc}, {"gc", rails.gc}};
+}
+
+Json toJson(const ExportedRails& set) {
+  return {{"ports", set.ports}, {"rails", toJson(set.rails)}, {"pins", set.pins}};
+}
+
 Json toJson(const ExportedSubcircuit& each) {
-  return {{"name", each.name},
-          {"model", nameOrNull(each.model)},
-          {"component", nameOrNull(each.component)},
-          {"corner", each.corner},
-          {"file", each.file},
-          {"ports", each.ports},
-          {"rails",
-           {{"pu", each.rails.pu},
-            {"pd", each.rails.pd},
-            {"pc", each.rails.pc},
-            {"gc", each.rails.gc}}},
-          {"span", each.span},
-          {"rising", methodText(each.rising)},
-          {"falling", methodText(each.falling)}};
+  Json object{{"name", each.name},
+              {"model", nameOrNull(each.model)},
+              {"component", nameOrNull(each.component)},
+              {"corner", each.corner},
+              {"file", each.file},
+              {"ports", each.ports},
+              {"rails", toJson(each.rails)},
+              {"span", each.span},
+              {"rising", methodText(each.rising)},
+              {"falling", methodText(each.falling)}};
+  if (!each.model.empty()) return object;
+  object["railSets"] = Json::array();
+  for (const ExportedRails& set : each.railSets) object["railSets"].push_back(toJson(set));
+  return object;
 }
 
 Json toJson(const std::vector<Diagnostic>& list) {

@@ -93,9 +93,19 @@ ExportedSubcircuit describeModel(const ExportChoice& choice, const SubcircuitFil
           .file = file.name,
           .ports = portsOf(netlist.device),
           .rails = netlist.device.rails,
+          .railSets = {},
           .span = std::max(netlist.rising.span, netlist.falling.span),
           .rising = netlist.rising.method,
           .falling = netlist.falling.method};
+}
+
+std::vector<ExportedRails> railSetsOf(const ComponentNetlist& component) {
+  std::vector<ExportedRails> sets;
+  for (const Rails& rails : component.rails) sets.push_back({railPortsOf(sets.size()), rails, {}});
+  for (const PinNetlist& pin : component.pins) {
+    for (const PadNetlist& pad : pin.pads) sets[pin.rails].pins.push_back(pinPort(pad));
+  }
+  return sets;
 }
 
 ExportedSubcircuit describeComponent(const ExportChoice& choice, const SubcircuitFile& file) {
@@ -105,7 +115,8 @@ ExportedSubcircuit describeComponent(const ExportChoice& choice, const Subcircui
   component.corner = file.word;
   component.file = file.name;
   component.ports = portsOf(*file.component);
-  if (!file.component->rails.empty()) component.rails = file.component->rails.front();
+  component.railSets = railSetsOf(*file.component);
+  if (!component.railSets.empty()) component.rails = component.railSets.front().rails;
   for (const DeviceNetlist& each : file.devices) {
     component.span = std::max({component.span, each.rising.span, each.falling.span});
   }

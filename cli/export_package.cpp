@@ -49,7 +49,7 @@ void tellCoupled(Export& result, SubcircuitFile& file, const std::string& name,
   constexpr Severity warning = Severity::warning;
   if (package.droppedCouplings != 0) {
     warn(result, file,
-         tell(warning, message::couplingsDropped, n, count(package.droppedCouplings), smallest));
+         tell(warning, message::couplingsDropped, n, smallest, count(package.droppedCouplings)));
   }
   if (package.droppedResistances != 0) {
     warn(result, file,

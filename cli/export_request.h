@@ -29,6 +29,13 @@ struct ExportRequest {
   std::string folder = ".";
 };
 
+/// One set of rails of a component, and the pins whose models refer to it.
+struct ExportedRails {
+  std::vector<std::string> ports;  ///< In the order pu, pd, pc, gc.
+  Rails rails;
+  std::vector<std::string> pins;  ///< Their ports.
+};
+
 /// One subcircuit that was written.
 struct ExportedSubcircuit {
   std::string name;
@@ -37,8 +44,9 @@ struct ExportedSubcircuit {
   std::string corner;
   std::string file;
   std::vector<std::string> ports;
-  Rails rails;
-  double span = 0.0;  ///< Of the longer edge, in seconds.
+  Rails rails;                          ///< Of a component those of its first set.
+  std::vector<ExportedRails> railSets;  ///< Of a component, in the order of its ports.
+  double span = 0.0;                    ///< Of the longer edge, in seconds.
   EdgeMethod rising = EdgeMethod::none;
   EdgeMethod falling = EdgeMethod::none;
 };

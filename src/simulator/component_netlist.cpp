@@ -14,12 +14,10 @@ void append(std::string& text, const std::vector<std::string>& words) {
   for (const std::string& word : words) text += ' ' + word;
 }
 
-std::string pinNode(const PadNetlist& pad) { return "p_" + pad.label; }
-
 std::vector<std::string> pinPorts(const ComponentNetlist& netlist) {
   std::vector<std::string> ports;
   for (const PinNetlist& pin : netlist.pins) {
-    for (const PadNetlist& pad : pin.pads) ports.push_back(pinNode(pad));
+    for (const PadNetlist& pad : pin.pads) ports.push_back(pinPort(pad));
   }
   return ports;
 }
@@ -50,7 +48,7 @@ PinPackage packageOf(const ComponentNetlist& netlist, const PadNetlist& pad) {
 std::string dieNode(const ComponentNetlist& netlist, const PadNetlist& pad) {
   const PinPackage package = packageOf(netlist, pad);
   const bool isShort = !(package.resistance > 0.0) && !(package.inductance > 0.0);
-  return isShort ? pinNode(pad) : "die_" + pad.label;
+  return isShort ? pinPort(pad) : "die_" + pad.label;
 }
 
 void writePackage(NetlistWriter& writer, const ComponentNetlist& netlist, const PadNetlist& pad,
@@ -59,7 +57,7 @@ void writePackage(NetlistWriter& writer, const ComponentNetlist& netlist, const 
   const bool hasR = package.resistance > 0.0;
   const bool hasL = package.inductance > 0.0;
   const std::string die = dieNode(netlist, pad);
-  const std::string pin = pinNode(pad);
+  const std::string pin = pinPort(pad);
   const std::string middle = hasR && hasL ? "k_" + pad.label : hasR ? pin : die;
   if (hasR)
     writer.line("R_" + pad.label + ' ' + die + ' ' + middle + ' ' + number(package.resistance));
@@ -90,8 +88,8 @@ void writeCouplings(NetlistWriter& writer, const ComponentNetlist& netlist) {
   }
   count = 0;
   for (const MutualCapacitance& each : netlist.coupled.mutual) {
-    writer.line("CM" + std::to_string(++count) + ' ' + pinNode(*pads[each.first]) + ' ' +
-                pinNode(*pads[each.second]) + ' ' + number(each.value));
+    writer.line("CM" + std::to_string(++count) + ' ' + pinPort(*pads[each.first]) + ' ' +
+                pinPort(*pads[each.second]) + ' ' + number(each.value));
   }
 }
 
@@ -158,6 +156,8 @@ void writePairReceiver(NetlistWriter& writer, double threshold) {
 }
 
 }  // namespace
+
+std::string pinPort(const PadNetlist& pad) { return "p_" + pad.label; }
 
 std::vector<std::string> railPortsOf(std::size_t set) {
   std::vector<std::string> ports;

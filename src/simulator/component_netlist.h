@@ -55,6 +55,9 @@ struct PairNetlist {
 /// The ports of a component: pins in order, then drv, en and mon of each pin, then the rails.
 std::vector<std::string> portsOf(const ComponentNetlist& netlist);
 
+/// The port of a pin.
+std::string pinPort(const PadNetlist& pad);
+
 /// The four ports of a set of rails: pu pd pc gc, those of a second set pu2 pd2 pc2 gc2, and so on.
 std::vector<std::string> railPortsOf(std::size_t set);
 

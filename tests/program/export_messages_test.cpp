@@ -175,8 +175,8 @@ TEST_F(ExportMessages, TellOfMoreCouplingsThanAnyoneWants) {
   request.package = cli::PackageKind::coupled;
   const std::string text = component(pins, "[Package Model] pack\n") + receiver + model;
   EXPECT_MESSAGES(errorsOf(text, request),
-                  "The coupled package of 25 pins would make 24 couplings; choose pins with -p, or "
-                  "the smallest coupling with --min-coupling");
+                  "The coupled package of 25 pins is too large (couplings: 24); choose pins with "
+                  "-p, or the smallest coupling with --min-coupling");
   request.hasSmallestCoupling = true;
   EXPECT_MESSAGES(warningsOf(text, request));
 }
@@ -206,7 +206,7 @@ TEST_F(ExportMessages, TellOfCouplingsThatAreSmall) {
   const std::string model =
       packageModel(plainResistance, "[Row] 1\n1 4n\n2 10p\n[Row] 2\n2 4n\n", plainCapacitance);
   EXPECT_MESSAGES(packageWarnings(model),
-                  "Package model 'pack': 1 couplings below 0.01 are left out");
+                  "Package model 'pack': couplings below 0.01 are left out: 1");
 }
 
 TEST_F(ExportMessages, TellOfResistancesBetweenPins) {
@@ -227,8 +227,8 @@ TEST_F(ExportMessages, TellOfCapacitancesThatNoNetworkHas) {
   EXPECT_MESSAGES(
       packageWarnings(
           packageModel(plainResistance, plainInductance, "[Row] 1\n1 1p\n2 -2p\n[Row] 2\n2 1p\n")),
-      "Package model 'pack': the capacitances are not those of a passive network; 2 negative ones "
-      "are left out");
+      "Package model 'pack': the capacitances are not those of a passive network; negative "
+      "ones are left out: 2");
 }
 
 TEST_F(ExportMessages, TellOfAPinsOwnNegativeValue) {
@@ -240,7 +240,7 @@ TEST_F(ExportMessages, TellOfAPinsOwnNegativeValue) {
 TEST_F(ExportMessages, TellOfCellsThatATableLeavesOut) {
   EXPECT_MESSAGES(
       modelWarnings(input("[GND Clamp]\n-3 -3 -3 NA\n-2 -2 NA NA\n-1 -1 NA NA\n0 0 0 NA\n"), "min"),
-      "Model 'm', min: 2 cells that a table leaves out are interpolated");
+      "Model 'm', min: cells that a table leaves out are interpolated: 2");
 }
 
 TEST_F(ExportMessages, TellOfATableThatIsNotMonotonic) {
@@ -281,7 +281,7 @@ TEST_F(ExportMessages, TellOfRowsWithoutAVoltage) {
       "0 0.3333333 0.3333333 NA\n1n 0.3333333 0.3333333 NA\n2n 2 2 NA\n"
       "4n 2 2 NA\n";
   EXPECT_MESSAGES(modelWarnings(output + onLow(rows) + onHigh(other), "min"),
-                  "Model 'm', min, rising edge: 2 waveform rows without a voltage are left out",
+                  "Model 'm', min, rising edge: waveform rows without a voltage are left out: 2",
                   "Model 'm', min, falling edge: no usable waveform; a smooth step of 1e-09 s is "
                   "used");
 }
@@ -290,7 +290,7 @@ TEST_F(ExportMessages, TellOfWaveformsThatCannotBeUsed) {
   EXPECT_MESSAGES(
       modelWarnings(output + goodRising + waveform("Rising", "1", "0 1 NA NA\n4n 1 NA NA\n") +
                     waveform("Rising", "1", "0 1 NA NA\n") + goodFalling),
-      "Model 'm', typ, rising edge: 2 waveforms are too short or too small to be used");
+      "Model 'm', typ, rising edge: waveforms that are too short or too small to be used: 2");
 }
 
 TEST_F(ExportMessages, TellOfASingleWaveform) {

@@ -128,7 +128,8 @@ TEST(ExportCommand, JsonHoldsAllAndNothingStandsBesideIt) {
       file +
       R"(","ports":["p_1","mon_1","pu","pd","pc","gc"],)"
       R"("rails":{"pu":3.0,"pd":0.0,"pc":3.0,"gc":0.0},"span":0.0,"rising":"none",)"
-      R"("falling":"none"}],"warnings":[)"
+      R"("falling":"none","railSets":[{"ports":["pu","pd","pc","gc"],)"
+      R"("rails":{"pu":3.0,"pd":0.0,"pc":3.0,"gc":0.0},"pins":["p_1"]}]}],"warnings":[)"
       R"({"id":"vinl-default","line":10,"text":"Model 'in': Vinl not defined using default 0.8V"},)"
       R"({"id":"vinh-default","line":10,"text":"Model 'in': Vinh not defined using default 2.0V"},)"
       R"({"id":"thresholds-defaulted","line":10,"text":"Model 'in', typ: input thresholds are not )"
@@ -136,6 +137,25 @@ TEST(ExportCommand, JsonHoldsAllAndNothingStandsBesideIt) {
       "\n";
   EXPECT_EQ(exportTo(folder.path(), source, {"--json"}).out, expected);
   EXPECT_EQ(exportTo(folder.path(), source, {"--json", "-q"}).out, expected);
+}
+
+TEST(ExportCommand, JsonTellsEachSetOfRailsWithItsPins) {
+  const TemporaryFolder folder;
+  std::string text = receiversText;
+  text.replace(text.rfind("3 NA"), 4, "5 NA");
+  text.insert(text.find("3 C GND"), "4 D in\n");
+  const Outcome result =
+      exportTo(folder.path(), folder.write("two.ibs", text), {"--json", "--corner", "typ"});
+  const json component = json::parse(result.out)["subcircuits"].back();
+  EXPECT_EQ(component["ports"].dump(),
+            R"(["p_1","p_2","p_4","mon_1","mon_2","mon_4","pu","pd","pc","gc",)"
+            R"("pu2","pd2","pc2","gc2"])");
+  EXPECT_EQ(component["rails"], component["railSets"][0]["rails"]);
+  EXPECT_EQ(component["railSets"], json::parse(R"([
+      {"ports": ["pu", "pd", "pc", "gc"], "rails": {"pu": 3.0, "pd": 0.0, "pc": 3.0, "gc": 0.0},
+       "pins": ["p_1", "p_4"]},
+      {"ports": ["pu2", "pd2", "pc2", "gc2"], "rails": {"pu": 5.0, "pd": 0.0, "pc": 5.0, "gc": 0.0},
+       "pins": ["p_2"]}])"));
 }
 
 TEST(ExportCommand, JsonTellsOfErrorsWithoutALine) {

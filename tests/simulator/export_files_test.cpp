@@ -172,7 +172,7 @@ struct FindingRow {
 
 constexpr FindingRow findingRows[] = {
     {FindingKind::tableCellsFilled,
-     "Model 'm', min: 3 cells that a table leaves out are interpolated"},
+     "Model 'm', min: cells that a table leaves out are interpolated: 3"},
     {FindingKind::tableNotMonotonic,
      "Model 'm', min: a table is not monotonic; there may be several operating points"},
     {FindingKind::tableEndHeld,
@@ -180,9 +180,9 @@ constexpr FindingRow findingRows[] = {
     {FindingKind::clampCurrentHuge, "Model 'm', min: a clamp carries up to 0.25 A"},
     {FindingKind::tableMissing, "Model 'm', min: a driver lacks its pullup or pulldown table"},
     {FindingKind::waveformCellsDropped,
-     "Model 'm', min, falling edge: 3 waveform rows without a voltage are left out"},
+     "Model 'm', min, falling edge: waveform rows without a voltage are left out: 3"},
     {FindingKind::waveformsUnusable,
-     "Model 'm', min, falling edge: 3 waveforms are too short or too small to be used"},
+     "Model 'm', min, falling edge: waveforms that are too short or too small to be used: 3"},
     {FindingKind::oneWaveform,
      "Model 'm', min, falling edge: only one usable waveform; other loads may be far off"},
     {FindingKind::waveformsContradict,
