@@ -92,9 +92,6 @@ void choose(ExportChoice& choice, Export& result) {
   } else {
     chooseComponent(choice, result);
   }
-  if (result.errors.empty() && choice.models.empty()) {
-    result.errors.push_back(tell(Severity::error, message::nothingToExport));
-  }
 }
 
 }  // namespace ibis::cli

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <compare>
 #include <map>
 #include <string>
 #include <vector>
@@ -10,6 +11,21 @@
 #include "simulator/names.h"
 
 namespace ibis::cli {
+
+/// A series model in the state that is written; a model that is no switch is not on.
+struct SeriesState {
+  const IBISModel* model = nullptr;
+  bool isOn = false;
+
+  friend auto operator<=>(const SeriesState&, const SeriesState&) = default;
+};
+
+/// A series model between two pins.
+struct SeriesRow {
+  SeriesState state;
+  const IBISPin* first = nullptr;
+  const IBISPin* second = nullptr;
+};
 
 /// What every file of one export shares.
 struct ExportChoice {
@@ -22,6 +38,9 @@ struct ExportChoice {
   std::map<const IBISModel*, std::string> modelWords = {};  ///< Names without a corner.
   std::string word = {};                                    ///< Of the component or the file.
   std::string componentWord = {};                           ///< Name without a corner.
+  std::vector<SeriesRow> series = {};                       ///< Of the component, in its order.
+  std::vector<const IBISPin*> barePins = {};                ///< With series elements alone.
+  std::map<SeriesState, std::string> seriesWords = {};      ///< Names without a corner.
   UniqueNames names = {};
 };
 

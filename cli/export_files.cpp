@@ -5,6 +5,7 @@
 
 #include "export_choice.h"
 #include "export_package.h"
+#include "export_series.h"
 #include "export_source.h"
 #include "finding_messages.h"
 #include "interruption.h"
@@ -37,10 +38,12 @@ void addComponent(ExportChoice& choice, SubcircuitFile& file, Export& result) {
   const PackageKind package = choice.request.package;
   file.component.emplace();
   file.component->name = choice.componentWord + '_' + file.word;
-  addPins(file, *choice.component, choice.entries, choice.names);
+  const ChosenPins pins{choice.entries, choice.barePins};
+  addPins(file, *choice.component, pins, choice.names);
+  addSeries(choice, file, result);
   file.component->hasPackage = package != PackageKind::none;
   if (package == PackageKind::coupled) couplePins(choice, file, result);
-  file.component->notes = componentNotes(file, *choice.component, choice.entries);
+  file.component->notes = componentNotes(file, *choice.component, pins);
 }
 
 SubcircuitFile makeFile(ExportChoice& choice, int corner, Export& result) {
@@ -103,6 +106,7 @@ std::vector<ExportedRails> railSetsOf(const ComponentNetlist& component) {
   std::vector<ExportedRails> sets;
   for (const Rails& rails : component.rails) sets.push_back({railPortsOf(sets.size()), rails, {}});
   for (const PinNetlist& pin : component.pins) {
+    if (pin.subcircuit.empty()) continue;
     for (const PadNetlist& pad : pin.pads) sets[pin.rails].pins.push_back(pinPort(pad));
   }
   return sets;
@@ -198,6 +202,11 @@ Export exportFile(const ExportRequest& request) {
   ExportChoice choice{
       .request = request, .data = source.file(), .dialect = *findDialect(request.format)};
   choose(choice, result);
+  if (choice.component != nullptr) chooseSeries(choice, result);
+  if (!choice.series.empty()) forgetSeriesRefusals(result.warnings);
+  if (result.errors.empty() && choice.models.empty() && choice.series.empty()) {
+    result.errors.push_back(tell(Severity::error, message::nothingToExport));
+  }
   if (!result.errors.empty() || !makeFolder(request.folder, result)) return result;
   const std::vector<std::string> typ{"typ"};
   for (const std::string& word : request.corners.empty() ? typ : request.corners) {

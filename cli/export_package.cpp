@@ -22,6 +22,10 @@ std::vector<NamedPad> namedPads(const ExportChoice& choice, SubcircuitFile& file
     pads.push_back({&list[0], choice.entries[i]->pin->name});
     if (list.size() > 1) pads.push_back({&list[1], choice.entries[i]->invertedPin->name});
   }
+  for (std::size_t i = 0; i < choice.barePins.size(); ++i) {
+    PinNetlist& pin = file.component->pins[choice.entries.size() + i];
+    pads.push_back({&pin.pads[0], choice.barePins[i]->name});
+  }
   return pads;
 }
 
@@ -36,8 +40,11 @@ std::vector<std::int32_t> rowsOf(const ExportChoice& choice, const IBISPackageMo
            tell(Severity::warning, message::pinNotInPackage, each.name.str().c_str()));
       continue;
     }
+    const auto row = static_cast<std::int32_t>(found - model.pinNames.begin()) + 1;
+    // Of pins that share a name by mistake the first has the row.
+    if (std::ranges::find(rows, row) != rows.end()) continue;
     each.pad->coupled = rows.size();
-    rows.push_back(static_cast<std::int32_t>(found - model.pinNames.begin()) + 1);
+    rows.push_back(row);
   }
   return rows;
 }

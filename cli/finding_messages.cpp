@@ -22,6 +22,16 @@ Diagnostic tellFinding(const IBISModel& model, int corner, const Finding& findin
   constexpr Severity warning = Severity::warning;
   // The compiler checks each format against its arguments, so each has a call of its own.
   switch (finding.kind) {
+    case FindingKind::seriesValueUnusable:
+      return tell(warning, message::seriesValueUnusable, line, n, c);
+    case FindingKind::seriesMosfetLeftOut:
+      return tell(warning, message::seriesMosfetLeftOut, line, n, c);
+    case FindingKind::seriesEmpty:
+      return tell(warning, message::seriesEmpty, line, n, c);
+    case FindingKind::switchIsOn:
+      return tell(warning, message::switchIsOn, line, n, c);
+    case FindingKind::switchIsOff:
+      return tell(warning, message::switchIsOff, line, n, c);
     case FindingKind::tableCellsFilled:
       return tell(warning, message::tableCellsFilled, line, n, c, count);
     case FindingKind::tableNotMonotonic:

@@ -50,6 +50,7 @@ constexpr SeriesValue elements[] = {
     {"Rl Series", "Ohm", &IBISSeriesElements::r1Series},
     {"C Series", "F", &IBISSeriesElements::cSeries},
     {"Lc Series", "H", &IBISSeriesElements::lcSeries},
+    {"Rc Series", "Ohm", &IBISSeriesElements::rcSeries},
 };
 
 void addWaveforms(std::vector<NamedWaveform>& all, const std::string& edge,

@@ -76,8 +76,9 @@ struct IBISWaveform {
 
 /// The series elements in one state of a switch.
 struct IBISSeriesElements {
-  /// [R Series], [L Series], [R1 Series], [C Series], [Lc Series]; ohms, henries and farads.
-  IBISTriple rSeries, lSeries, r1Series, cSeries, lcSeries;
+  /// [R Series], [L Series], [R1 Series] or [Rl Series], [C Series], [Lc Series], [Rc Series];
+  /// ohms, henries and farads. A load knows neither [Rl Series] nor [C Series] nor [Rc Series].
+  IBISTriple rSeries, lSeries, r1Series, cSeries, lcSeries, rcSeries;
 };
 
 /// One table of [Series MOSFET].

@@ -123,14 +123,26 @@ void takeCapacitances(CoupledPackage& package, const SymmetricMatrix& matrix) {
   }
 }
 
-std::size_t countOffDiagonal(const SymmetricMatrix& matrix) {
-  std::size_t count = 0;
+// What two pins share must be less than what each of them has, or else a current could make power.
+void takeResistances(CoupledPackage& package, const SymmetricMatrix& matrix, double smallest) {
+  package.resistance = diagonalOf(matrix, package.hasBadDiagonal);
+  SymmetricMatrix taken(matrix.size());
   for (std::size_t i = 0; i < matrix.size(); ++i) {
+    taken.set(i, i, package.resistance[i]);
     for (std::size_t j = i + 1; j < matrix.size(); ++j) {
-      if (matrix.at(i, j) != 0.0) ++count;
+      const double value = matrix.at(i, j);
+      if (value == 0.0) continue;
+      if (std::fabs(value) < smallest * std::sqrt(matrix.at(i, i) * matrix.at(j, j))) {
+        ++package.droppedCouplings;
+        continue;
+      }
+      taken.set(i, j, value);
+      package.shared.push_back({i, j, value});
     }
   }
-  return count;
+  if (package.shared.empty() || isPositiveDefinite(taken)) return;
+  package.droppedResistances = package.shared.size();
+  package.shared.clear();
 }
 
 }  // namespace
@@ -158,9 +170,7 @@ CoupledPackage coupledPackage(const IBISPackageModel& model, std::span<const std
                               double smallestCoupling) {
   const RowMap indices = indexRows(rows);
   CoupledPackage package;
-  const SymmetricMatrix resistance = submatrix(model.resistance, indices);
-  package.resistance = diagonalOf(resistance, package.hasBadDiagonal);
-  package.droppedResistances = countOffDiagonal(resistance);
+  takeResistances(package, submatrix(model.resistance, indices), smallestCoupling);
   takeInductances(package, submatrix(model.inductance, indices), smallestCoupling);
   makeInductancesPassive(package);
   takeCapacitances(package, submatrix(model.capacitance, indices));

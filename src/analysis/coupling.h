@@ -42,6 +42,13 @@ struct MutualCapacitance {
   double value = 0.0;
 };
 
+/// A resistance that the current of each of two pins meets from the other's, by index, in ohms.
+struct ResistiveCoupling {
+  std::size_t first = 0;
+  std::size_t second = 0;
+  double value = 0.0;
+};
+
 /// The elements that stand for a coupled package's matrices, for some of its pins.
 struct CoupledPackage {
   std::vector<double> resistance;   ///< Of each pin, in ohms.
@@ -49,8 +56,9 @@ struct CoupledPackage {
   std::vector<double> capacitance;  ///< Of each pin to the reference, in farads; may be negative.
   std::vector<InductiveCoupling> couplings;
   std::vector<MutualCapacitance> mutual;
-  std::size_t droppedCouplings = 0;    ///< Below the smallest coupling wanted.
-  std::size_t droppedResistances = 0;  ///< Off the diagonal, which no element stands for.
+  std::vector<ResistiveCoupling> shared;  ///< Only between pins that have a resistance.
+  std::size_t droppedCouplings = 0;       ///< Below the smallest coupling wanted.
+  std::size_t droppedResistances = 0;     ///< Between pins, of a network that is not passive.
   std::size_t droppedCapacitances =
       0;                         ///< Set to 0, since they were negative without being passive.
   double inductanceScale = 1.0;  ///< What the couplings were multiplied by to be passive.
@@ -61,7 +69,9 @@ struct CoupledPackage {
 ///
 /// The capacitance matrix is a Maxwell matrix: between two pins stands -C_ij, to the reference the
 /// sum of the row over the pins taken, so a pin left out counts as grounded. Leaving a pin out of
-/// the inductances is exact when it carries no current. Couplings below the smallest are dropped.
+/// the inductances and resistances is exact when it carries no current. Inductances and resistances
+/// between two pins are dropped where they are below the smallest coupling: that share of the
+/// geometric mean of the two pins' own.
 CoupledPackage coupledPackage(const IBISPackageModel& model, std::span<const std::int32_t> rows,
                               double smallestCoupling);
 

@@ -11,6 +11,11 @@ enum class Edge : std::uint8_t { rising, falling };
 
 /// What the analysis of a model found worth telling; the comment says what value and count hold.
 enum class FindingKind : std::uint8_t {
+  seriesValueUnusable,   ///< A value of a series element that no element has.
+  seriesMosfetLeftOut,   ///< [Series MOSFET], which nothing is written for.
+  seriesEmpty,           ///< A series model without any element.
+  switchIsOn,            ///< The state of a series switch that is written.
+  switchIsOff,           ///< Likewise.
   tableCellsFilled,      ///< Cells of an I-V column that were interpolated: count.
   tableNotMonotonic,     ///< A table whose current turns back.
   tableEndHeld,          ///< An end whose slope has the wrong sign is held.

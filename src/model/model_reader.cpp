@@ -94,6 +94,7 @@ constexpr SeriesField seriesFields[] = {
     {keyword::r1Series, &IBISSeriesElements::r1Series},
     {keyword::cSeries, &IBISSeriesElements::cSeries},
     {keyword::lcSeries, &IBISSeriesElements::lcSeries},
+    {keyword::rcSeries, &IBISSeriesElements::rcSeries},
 };
 
 IBISTriple* findTriple(IBISModel& model, std::span<const TripleField> fields, std::int32_t id) {

@@ -17,11 +17,12 @@ constexpr std::size_t longestKeywordName = 120;
 constexpr char noComment = '\0';
 
 // The keyword's id; underscores in the name count as blanks.
-std::int32_t lookUp(std::string_view name) {
+std::int32_t lookUp(std::string_view name, bool takesSeries) {
   if (name.size() > longestKeywordName) return keyword::none;
   char spaced[longestKeywordName];
   std::replace_copy(name.begin(), name.end(), spaced, '_', ' ');
-  return keywordId({spaced, name.size()});
+  const std::int32_t id = keywordId({spaced, name.size()});
+  return id == keyword::none && takesSeries ? seriesKeywordId({spaced, name.size()}) : id;
 }
 
 std::string withBlanks(std::string_view name) {
@@ -70,7 +71,7 @@ void IBISScanner::scanKeyword() {
   const auto rest = static_cast<std::size_t>(end_ - begin);
   const auto* close = static_cast<const char*>(rest ? std::memchr(begin, ']', rest) : nullptr);
   const std::string_view name(begin, static_cast<std::size_t>((close ? close : end_) - begin));
-  const std::int32_t id = lookUp(name);
+  const std::int32_t id = lookUp(name, passesLater_);
   if (passing_ != nullptr && id != keyword::commentChar && passesOver(name, id)) {
     cursor_ = close ? close + 1 : end_;
     return skipLine();

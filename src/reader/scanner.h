@@ -56,7 +56,8 @@ class IBISScanner {
   /// Each piece but the last has at least `minRecords` records.
   ///
   /// With `passesLater` the scan passes over the keywords of later versions with all that belongs
-  /// to them; else what follows such a keyword goes to the reader of the keyword before it.
+  /// to them; else what follows such a keyword goes to the reader of the keyword before it. It also
+  /// knows the keywords of series elements that a load passes over.
   explicit IBISScanner(std::string_view text, std::size_t minRecords = usualPiece,
                        bool passesLater = false);
 

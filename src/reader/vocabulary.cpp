@@ -28,12 +28,25 @@ constexpr LaterKeywordRow laterKeywords[] = {
 #undef IBIS_LATER_KEYWORD
 };
 
+// name in the file, id
+struct SeriesKeywordRow {
+  std::string_view name;
+  std::int32_t id;
+};
+
+constexpr SeriesKeywordRow seriesKeywords[] = {
+    {"Rl Series", keyword::r1Series},
+    {"C Series", keyword::cSeries},
+    {"Rc Series", keyword::rcSeries},
+};
+
 constexpr std::size_t keywordIds = 1 + [] {
   std::int32_t largest = 0;
   for (const KeywordRow& row : keywords) largest = std::max(largest, row.id);
   return static_cast<std::size_t>(largest);
 }();
-static_assert(keywordIds <= 256, "scanned records keep an id in eight bits");
+static_assert(keywordIds == keyword::rcSeries, "its number follows the table's");
+static_assert(keyword::rcSeries < 256, "scanned records keep an id in eight bits");
 
 // Rows by id; null for an id that no row has.
 constexpr auto keywordsById = [] {
@@ -103,12 +116,20 @@ const KeywordRow* findKeyword(std::int32_t id) {
 }
 
 IBISString keywordName(std::int32_t id) {
-  const KeywordRow* row = findKeyword(id);
-  return row == nullptr ? IBISString() : IBISString(row->name);
+  if (const KeywordRow* row = findKeyword(id)) return IBISString(row->name);
+  const auto* row = std::ranges::find(seriesKeywords, id, &SeriesKeywordRow::id);
+  return row == std::end(seriesKeywords) ? IBISString() : IBISString(row->name);
 }
 
 std::int32_t keywordId(std::string_view name) {
   for (const KeywordRow& row : keywords) {
+    if (equalIgnoringCase(row.name, name)) return row.id;
+  }
+  return keyword::none;
+}
+
+std::int32_t seriesKeywordId(std::string_view name) {
+  for (const SeriesKeywordRow& row : seriesKeywords) {
     if (equalIgnoringCase(row.name, name)) return row.id;
   }
   return keyword::none;

@@ -17,6 +17,7 @@ inline constexpr std::int32_t none = 1;
   inline constexpr std::int32_t identifier = id;
 #include "reader/keywords.def"
 #undef IBIS_KEYWORD
+inline constexpr std::int32_t rcSeries = 94;  ///< [Rc Series], which the table of a load lacks.
 }  // namespace keyword
 
 /// Ids of the sub-parameters; `none` stands for a word that is not a sub-parameter.
@@ -89,6 +90,12 @@ IBISString keywordName(std::int32_t id);
 
 /// The id of a keyword's name in any case, or `keyword::none`.
 std::int32_t keywordId(std::string_view name);
+
+/// The id of a keyword of series elements that a load passes over, or `keyword::none`.
+///
+/// Its own words for them are slips that its outputs rely on: another [Rl Series] and a [C Series]
+/// that no file can hold.
+std::int32_t seriesKeywordId(std::string_view name);
 
 /// The row of a later keyword's name in any case, or null.
 const LaterKeywordRow* findLaterKeyword(std::string_view name);

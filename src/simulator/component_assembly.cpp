@@ -87,6 +87,7 @@ std::string padLabel(UniqueNames& labels, std::string_view pin) {
 }
 
 void addPad(Assembly& assembly, PinNetlist& netlist, const IBISPin& pin) {
+  assembly.file.padOf[&pin] = {assembly.file.component->pins.size(), netlist.pads.size()};
   netlist.pads.push_back({padLabel(assembly.labels, pin.name),
                           packageOf(assembly.component, pin, assembly.file.corner), std::nullopt});
 }
@@ -107,6 +108,16 @@ void addPin(Assembly& assembly, const IBISPinEntry& entry) {
   file.component->pins.push_back(std::move(pin));
 }
 
+void addBarePin(Assembly& assembly, const IBISPin& pin) {
+  PinNetlist netlist;
+  addPad(assembly, netlist, pin);
+  assembly.file.component->pins.push_back(std::move(netlist));
+}
+
+std::string pinNote(const PinNetlist& netlist, const IBISPin& pin) {
+  return pinPort(netlist.pads[0]) + ": pin " + pin.name.str() + ", " + pin.signal_name.str();
+}
+
 double finiteOrZero(double value) { return std::isfinite(value) && value > 0.0 ? value : 0.0; }
 
 }  // namespace
@@ -121,23 +132,24 @@ PinPackage packageOf(const IBISComponent& component, const IBISPin& pin, int cor
           value(pin.hasOwnRLC && pin.missingC, pin.C_pin(), shared.C_pkg)};
 }
 
-void addPins(SubcircuitFile& file, const IBISComponent& component,
-             const std::vector<const IBISPinEntry*>& entries, UniqueNames& names) {
+void addPins(SubcircuitFile& file, const IBISComponent& component, const ChosenPins& pins,
+             UniqueNames& names) {
   Assembly assembly{file, component, names};
-  for (const IBISPinEntry* entry : entries) addPin(assembly, *entry);
+  for (const IBISPinEntry* entry : pins.entries) addPin(assembly, *entry);
+  for (const IBISPin* pin : pins.barePins) addBarePin(assembly, *pin);
 }
 
 std::vector<std::string> componentNotes(const SubcircuitFile& file, const IBISComponent& component,
-                                        const std::vector<const IBISPinEntry*>& entries) {
+                                        const ChosenPins& pins) {
   std::vector<std::string> notes;
   notes.push_back("component " + component.name.str() + ", corner " + file.word);
   notes.push_back("ports: pins, then drv, en and mon of each pin, then the rails");
-  for (std::size_t i = 0; i < entries.size(); ++i) {
-    const PinNetlist& pin = file.component->pins[i];
-    notes.push_back("p_" + pin.pads[0].label + ": pin " + entries[i]->pin->name.str() + ", " +
-                    entries[i]->pin->signal_name.str() + ", rails " + railPortsOf(pin.rails)[0] +
-                    " ...");
+  const PinNetlist* pin = file.component->pins.data();
+  for (const IBISPinEntry* entry : pins.entries) {
+    notes.push_back(pinNote(*pin, *entry->pin) + ", rails " + railPortsOf(pin->rails)[0] + " ...");
+    ++pin;
   }
+  for (const IBISPin* bare : pins.barePins) notes.push_back(pinNote(*pin++, *bare));
   return notes;
 }
 

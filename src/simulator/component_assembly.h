@@ -12,15 +12,21 @@ namespace ibis {
 /// The package elements of a pin at a corner: its own values, else the component's.
 PinPackage packageOf(const IBISComponent& component, const IBISPin& pin, int corner);
 
-/// Adds the pins of the entries to the file's component, whose models' devices are there.
+/// The pins that a component is written with.
+struct ChosenPins {
+  const std::vector<const IBISPinEntry*>& entries;  ///< Those with a device, in their order.
+  const std::vector<const IBISPin*>& barePins;      ///< Those with series elements alone, behind.
+};
+
+/// Adds pins to the file's component, whose models' devices are there.
 ///
 /// A pair whose second model has a device gets a subcircuit, and a late copy of the device whose
 /// launch is delayed; their names come from `names`.
-void addPins(SubcircuitFile& file, const IBISComponent& component,
-             const std::vector<const IBISPinEntry*>& entries, UniqueNames& names);
+void addPins(SubcircuitFile& file, const IBISComponent& component, const ChosenPins& pins,
+             UniqueNames& names);
 
 /// What stands in front of a component's subcircuit: its ports and the pin behind each.
 std::vector<std::string> componentNotes(const SubcircuitFile& file, const IBISComponent& component,
-                                        const std::vector<const IBISPinEntry*>& entries);
+                                        const ChosenPins& pins);
 
 }  // namespace ibis

@@ -51,18 +51,41 @@ std::string dieNode(const ComponentNetlist& netlist, const PadNetlist& pad) {
   return isShort ? pinPort(pad) : "die_" + pad.label;
 }
 
+bool isShared(const ComponentNetlist& netlist, const PadNetlist& pad) {
+  const auto has = [&](const ResistiveCoupling& each) {
+    return each.first == *pad.coupled || each.second == *pad.coupled;
+  };
+  return netlist.hasPackage && pad.coupled && std::ranges::any_of(netlist.coupled.shared, has);
+}
+
+// The two nodes of a pad's resistor. One that meets the currents of other pins has a source of 0 V
+// in front, which measures its own.
+struct ResistorNodes {
+  std::string first, second;
+};
+
+ResistorNodes resistorNodes(const ComponentNetlist& netlist, const PadNetlist& pad) {
+  const bool hasL = packageOf(netlist, pad).inductance > 0.0;
+  return {isShared(netlist, pad) ? "r_" + pad.label : dieNode(netlist, pad),
+          hasL ? "k_" + pad.label : pinPort(pad)};
+}
+
 void writePackage(NetlistWriter& writer, const ComponentNetlist& netlist, const PadNetlist& pad,
                   const std::string& reference) {
   const PinPackage package = packageOf(netlist, pad);
   const bool hasR = package.resistance > 0.0;
-  const bool hasL = package.inductance > 0.0;
   const std::string die = dieNode(netlist, pad);
   const std::string pin = pinPort(pad);
-  const std::string middle = hasR && hasL ? "k_" + pad.label : hasR ? pin : die;
-  if (hasR)
-    writer.line("R_" + pad.label + ' ' + die + ' ' + middle + ' ' + number(package.resistance));
-  if (hasL)
-    writer.line("L_" + pad.label + ' ' + middle + ' ' + pin + ' ' + number(package.inductance));
+  const ResistorNodes nodes = resistorNodes(netlist, pad);
+  if (isShared(netlist, pad)) writer.line("V_" + pad.label + ' ' + die + ' ' + nodes.first + " 0");
+  if (hasR) {
+    writer.line("R_" + pad.label + ' ' + nodes.first + ' ' + nodes.second + ' ' +
+                number(package.resistance));
+  }
+  if (package.inductance > 0.0) {
+    writer.line("L_" + pad.label + ' ' + (hasR ? nodes.second : die) + ' ' + pin + ' ' +
+                number(package.inductance));
+  }
   if (package.capacitance != 0.0) {
     writer.line("C_" + pad.label + ' ' + pin + ' ' + reference + ' ' + number(package.capacitance));
   }
@@ -79,6 +102,14 @@ std::vector<const PadNetlist*> coupledPads(const ComponentNetlist& netlist) {
   return pads;
 }
 
+// A share of another pin's current goes through this pin's resistor as well: R_ij I_j.
+void writeShared(NetlistWriter& writer, const ComponentNetlist& netlist, std::size_t count,
+                 const PadNetlist& pad, const PadNetlist& other, double value) {
+  const ResistorNodes nodes = resistorNodes(netlist, pad);
+  writer.line("F" + std::to_string(count) + ' ' + nodes.second + ' ' + nodes.first + " V_" +
+              other.label + ' ' + number(value / packageOf(netlist, pad).resistance));
+}
+
 void writeCouplings(NetlistWriter& writer, const ComponentNetlist& netlist) {
   const std::vector<const PadNetlist*> pads = coupledPads(netlist);
   std::size_t count = 0;
@@ -91,10 +122,18 @@ void writeCouplings(NetlistWriter& writer, const ComponentNetlist& netlist) {
     writer.line("CM" + std::to_string(++count) + ' ' + pinPort(*pads[each.first]) + ' ' +
                 pinPort(*pads[each.second]) + ' ' + number(each.value));
   }
+  count = 0;
+  for (const ResistiveCoupling& each : netlist.coupled.shared) {
+    const PadNetlist& first = *pads[each.first];
+    const PadNetlist& second = *pads[each.second];
+    writeShared(writer, netlist, ++count, first, second, each.value);
+    writeShared(writer, netlist, ++count, second, first, each.value);
+  }
 }
 
 void writePins(NetlistWriter& writer, const ComponentNetlist& netlist) {
   for (const PinNetlist& pin : netlist.pins) {
+    if (pin.subcircuit.empty()) continue;
     std::string text = "X_" + pin.pads[0].label;
     for (const PadNetlist& pad : pin.pads) text += ' ' + dieNode(netlist, pad);
     append(text, signalNodes(pin));
@@ -103,11 +142,22 @@ void writePins(NetlistWriter& writer, const ComponentNetlist& netlist) {
   }
 }
 
+void writeSeriesInstances(NetlistWriter& writer, const ComponentNetlist& netlist) {
+  const auto die = [&](PadPlace place) {
+    return dieNode(netlist, netlist.pins[place.pin].pads[place.pad]);
+  };
+  std::size_t count = 0;
+  for (const SeriesInstance& each : netlist.series) {
+    writer.line("XS" + std::to_string(++count) + ' ' + die(each.first) + ' ' + die(each.second) +
+                ' ' + each.subcircuit);
+  }
+}
+
 void writePackages(NetlistWriter& writer, const ComponentNetlist& netlist) {
   if (!netlist.hasPackage) return;
   writer.comment("package: die - R - L - pin, C at the pin");
   for (const PinNetlist& pin : netlist.pins) {
-    const std::string reference = railPortsOf(pin.rails).back();
+    const std::string reference = netlist.rails.empty() ? "0" : railPortsOf(pin.rails).back();
     for (const PadNetlist& pad : pin.pads) writePackage(writer, netlist, pad, reference);
   }
   writeCouplings(writer, netlist);
@@ -205,6 +255,7 @@ void writeComponent(NetlistWriter& writer, const ComponentNetlist& netlist) {
   append(head, portsOf(netlist));
   writer.line(head);
   writePins(writer, netlist);
+  writeSeriesInstances(writer, netlist);
   writePackages(writer, netlist);
   writer.line(".ends " + netlist.name);
   writeComponentRails(writer, netlist);

@@ -28,9 +28,21 @@ struct PadNetlist {
 /// What one model, or a pair of them, connects in a component.
 struct PinNetlist {
   std::vector<PadNetlist> pads;      ///< One, or the two of a pair.
-  std::string subcircuit;            ///< Of the model at the corner, or of the pair.
+  std::string subcircuit;            ///< Of the model at the corner, or of the pair; or empty.
   std::vector<std::string> signals;  ///< Which of drv, en and mon it has, in order.
   std::size_t rails = 0;             ///< Index of its rails among the component's.
+};
+
+/// Where a component has a pad: the index of its pin, and of the pad in the pin.
+struct PadPlace {
+  std::size_t pin = 0;
+  std::size_t pad = 0;
+};
+
+/// A subcircuit of two ports between the dies of two pads.
+struct SeriesInstance {
+  std::string subcircuit;
+  PadPlace first, second;
 };
 
 /// One component at one corner, ready to be written.
@@ -39,6 +51,7 @@ struct ComponentNetlist {
   std::vector<std::string> notes;
   std::vector<Rails> rails;  ///< Each set once; the pins name theirs by index.
   std::vector<PinNetlist> pins;
+  std::vector<SeriesInstance> series;
   bool hasPackage = true;
   CoupledPackage coupled;
 };

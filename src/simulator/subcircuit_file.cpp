@@ -21,6 +21,7 @@ void writeSubcircuitFile(NetlistWriter& writer, const SubcircuitFile& file) {
   writeHead(writer, file);
   for (const DeviceNetlist& device : file.devices) writeDevice(writer, device);
   for (const PairNetlist& pair : file.pairs) writePair(writer, pair);
+  for (const SeriesNetlist& series : file.series) writeSeries(writer, series);
   if (file.component) writeComponent(writer, *file.component);
 }
 

@@ -5,8 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "ibis/component.h"
 #include "simulator/component_netlist.h"
 #include "simulator/device_netlist.h"
+#include "simulator/series_netlist.h"
 
 namespace ibis {
 
@@ -21,7 +23,9 @@ struct SubcircuitFile {
   std::vector<DeviceNetlist> devices;
   std::map<const IBISModel*, std::size_t> deviceOf;  ///< Index of a model's device.
   std::vector<PairNetlist> pairs;
+  std::vector<SeriesNetlist> series;
   std::optional<ComponentNetlist> component;  ///< None for models alone.
+  std::map<const IBISPin*, PadPlace> padOf;   ///< Place of a pin's pad in the component.
 
   const DeviceNetlist& device(const IBISModel* model) const { return devices[deviceOf.at(model)]; }
 };

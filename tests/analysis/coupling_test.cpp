@@ -78,8 +78,34 @@ TEST(Coupling, InductancesBecomeFactorsAndCapacitancesElements) {
   EXPECT_DOUBLE_EQ(package.mutual[0].value, 0.25e-12);
   EXPECT_DOUBLE_EQ(package.capacitance[0], 0.75e-12);
   EXPECT_DOUBLE_EQ(package.capacitance[1], 1.75e-12);
-  EXPECT_EQ(package.droppedResistances, 1u);
   EXPECT_EQ(package.inductanceScale, 1.0);
+}
+
+TEST(Coupling, ResistancesBetweenPinsAreShared) {
+  const CoupledPackage package = coupledPackage(twoPins(0.0, 0.0), rows, 0.01);
+  EXPECT_EQ(package.resistance, (std::vector<double>{0.1, 0.2}));
+  ASSERT_EQ(package.shared.size(), 1u);
+  EXPECT_EQ(package.shared[0].first, 0u);
+  EXPECT_EQ(package.shared[0].second, 1u);
+  EXPECT_EQ(package.shared[0].value, 0.01);
+  EXPECT_EQ(package.droppedResistances, 0u);
+  EXPECT_EQ(package.droppedCouplings, 0u);
+}
+
+TEST(Coupling, SmallResistancesBetweenPinsAreDropped) {
+  const CoupledPackage package = coupledPackage(twoPins(0.0, 0.0), rows, 0.08);
+  EXPECT_TRUE(package.shared.empty());
+  EXPECT_EQ(package.droppedCouplings, 1u);
+  EXPECT_EQ(package.droppedResistances, 0u);
+}
+
+TEST(Coupling, ResistancesThatAreNotPassiveLoseThoseBetweenPins) {
+  IBISPackageModel model = twoPins(0.0, 0.0);
+  model.resistance = {{1, 1, 0.1}, {1, 2, 0.3}, {2, 2, 0.2}};
+  const CoupledPackage package = coupledPackage(model, rows, 0.01);
+  EXPECT_TRUE(package.shared.empty());
+  EXPECT_EQ(package.droppedResistances, 1u);
+  EXPECT_EQ(package.resistance, (std::vector<double>{0.1, 0.2}));
 }
 
 TEST(Coupling, APinLeftOutCountsAsGrounded) {

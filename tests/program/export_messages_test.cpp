@@ -209,10 +209,11 @@ TEST_F(ExportMessages, TellOfCouplingsThatAreSmall) {
                   "Package model 'pack': couplings below 0.01 are left out: 1");
 }
 
-TEST_F(ExportMessages, TellOfResistancesBetweenPins) {
-  EXPECT_MESSAGES(packageWarnings(packageModel("[Row] 1\n1 0.1\n2 0.01\n[Row] 2\n2 0.1\n",
+TEST_F(ExportMessages, TellOfResistancesThatNoNetworkHas) {
+  EXPECT_MESSAGES(packageWarnings(packageModel("[Row] 1\n1 0.1\n2 0.3\n[Row] 2\n2 0.1\n",
                                                plainInductance, plainCapacitance)),
-                  "Package model 'pack': 1 resistances between pins are left out");
+                  "Package model 'pack': the resistances are not those of a passive network; those "
+                  "between pins are left out: 1");
 }
 
 TEST_F(ExportMessages, TellOfInductancesThatNoNetworkHas) {
@@ -235,6 +236,56 @@ TEST_F(ExportMessages, TellOfAPinsOwnNegativeValue) {
   EXPECT_MESSAGES(packageWarnings(packageModel("[Row] 1\n1 -0.1\n[Row] 2\n2 0.1\n", plainInductance,
                                                plainCapacitance)),
                   "Package model 'pack': a pin's own value is negative and left out");
+}
+
+// A component whose pins 1 and 2 have the series model on this line 17.
+std::string seriesPart(const std::string& type, const std::string& elements,
+                       const std::string& groups = {}) {
+  return component("1 A in\n2 B in\n3 C NC\n",
+                   groups +
+                       "[Series Pin Mapping] pin_2 model_name function_table_group\n1 2 link "
+                       "g1\n") +
+         receiver + "[Model] link\nModel_type " + type + "\n[Voltage Range] 2 NA NA\n" + elements;
+}
+
+TEST_F(ExportMessages, AreNotForASeriesElementThatIsWritten) {
+  EXPECT_MESSAGES(warningsOf(seriesPart("Series", "[R Series] 100 NA NA\n")));
+}
+
+TEST_F(ExportMessages, TellOfASeriesRowThatLeadsNowhere) {
+  std::string text = seriesPart("Series", "[R Series] 100 NA NA\n");
+  text.replace(text.find("1 2 link"), 8, "1 2 link NA\n1 9 link NA\n2 3 in");
+  EXPECT_MESSAGES(warningsOf(text),
+                  "Component 'part': series model 'link' between the pins '1' and '9' is left out, "
+                  "since one of the three is not in the file",
+                  "Component 'part': series model 'in' between the pins '2' and '3' is left out, "
+                  "since one of the three is not in the file");
+}
+
+TEST_F(ExportMessages, TellOfAValueThatNoSeriesElementHas) {
+  EXPECT_MESSAGES(warningsOf(seriesPart("Series", "[R Series] -1 NA NA\n[C Series] 1p NA NA\n")),
+                  "Model 'link', typ: a value of a series element is negative and left out");
+}
+
+TEST_F(ExportMessages, TellOfWhatNothingIsWrittenFor) {
+  const std::string mosfet = "[On]\n[Series MOSFET]\nVds = 1\n5 0.2 NA NA\n0 0 NA NA\n";
+  EXPECT_MESSAGES(warningsOf(seriesPart("Series_switch", mosfet)),
+                  "Model 'link', typ: the switch is written in its On state",
+                  "Model 'link', typ: [Series MOSFET] is left out",
+                  "Model 'link', typ: no series element is left to be written");
+}
+
+TEST_F(ExportMessages, TellTheStateOfASwitch) {
+  const std::string states = "[On]\n[R Series] 5 NA NA\n[Off]\n[R Series] 1M NA NA\n";
+  const std::string on = "Model 'link', typ: the switch is written in its On state";
+  const std::string off = "Model 'link', typ: the switch is written in its Off state";
+  const auto told = [&](const std::string& groups) {
+    return warningsOf(seriesPart("Series_switch", states, groups));
+  };
+  EXPECT_MESSAGES(told(""), on);
+  EXPECT_MESSAGES(told("[Series Switch Groups]\nOn g1 /\nOff g1 /\n"), on);
+  EXPECT_MESSAGES(told("[Series Switch Groups]\nOff g1 /\nOn g1 /\n"), off);
+  EXPECT_MESSAGES(told("[Series Switch Groups]\nOn g2 /\n"), off);
 }
 
 TEST_F(ExportMessages, TellOfCellsThatATableLeavesOut) {

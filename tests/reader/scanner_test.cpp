@@ -100,6 +100,15 @@ TEST(Scanner, KnowsEveryKeywordButThoseWithAnUnderscoreInTheirName) {
   EXPECT_EQ(unknown, Texts({"Comment Char", "C_Series", "POWER_Pulse_Table"}));
 }
 
+TEST(Scanner, KnowsKeywordsOfSeriesElementsWhereItReadsOnPastLaterOnes) {
+  const std::string text = "[Rl Series] 1\n[c_series] 2\n[Rc Series] 3\n[Bogus] 4\n";
+  EXPECT_EQ(linesOf(text), Lines());
+  IBISScanner scanner(text, IBISScanner::usualPiece, true);
+  EXPECT_EQ(linesOf(scanner.nextPiece()), Lines({{1, keyword::r1Series, " 1"},
+                                                 {2, keyword::cSeries, " 2"},
+                                                 {3, keyword::rcSeries, " 3"}}));
+}
+
 TEST(Scanner, ReportsAKeywordWithBlanksInsideItsBrackets) {
   const Scanned scanned("\n[ Pin ]\n[Pin ]\n[]\n");
   EXPECT_EQ(linesOf(scanned.records()), Lines());

@@ -171,6 +171,12 @@ struct FindingRow {
 };
 
 constexpr FindingRow findingRows[] = {
+    {FindingKind::seriesValueUnusable,
+     "Model 'm', min: a value of a series element is negative and left out"},
+    {FindingKind::seriesMosfetLeftOut, "Model 'm', min: [Series MOSFET] is left out"},
+    {FindingKind::seriesEmpty, "Model 'm', min: no series element is left to be written"},
+    {FindingKind::switchIsOn, "Model 'm', min: the switch is written in its On state"},
+    {FindingKind::switchIsOff, "Model 'm', min: the switch is written in its Off state"},
     {FindingKind::tableCellsFilled,
      "Model 'm', min: cells that a table leaves out are interpolated: 3"},
     {FindingKind::tableNotMonotonic,

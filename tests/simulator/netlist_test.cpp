@@ -8,6 +8,7 @@
 #include "simulator/device_netlist.h"
 #include "simulator/names.h"
 #include "simulator/raw_file.h"
+#include "simulator/series_netlist.h"
 #include "simulator/test_bench.h"
 
 namespace ibis {
@@ -278,6 +279,55 @@ TEST(Component, ACoupledPackageHasItsCouplings) {
   const std::string text = written([&](NetlistWriter& writer) { writeComponent(writer, netlist); });
   EXPECT_THAT(text, HasSubstr("K1 L_A1 L_B2 0.3\nCM1 p_A1 p_B2 5e-14\n"));
   EXPECT_THAT(text, HasSubstr("C_B2 p_B2 gc2 -2e-14\n"));
+}
+
+TEST(Component, AResistanceBetweenPinsPassesAShareOfTheOthersCurrent) {
+  ComponentNetlist netlist = twoPins();
+  netlist.pins[0].pads[0].coupled = 0;
+  netlist.pins[1].pads[0].coupled = 1;
+  netlist.coupled.resistance = {0.1, 0.2};
+  netlist.coupled.inductance = {1e-9, 0.0};
+  netlist.coupled.capacitance = {0.0, 0.0};
+  netlist.coupled.shared = {{0, 1, 0.05}};
+  const std::string text = written([&](NetlistWriter& writer) { writeComponent(writer, netlist); });
+  EXPECT_THAT(text, HasSubstr("V_A1 die_A1 r_A1 0\nR_A1 r_A1 k_A1 0.1\nL_A1 k_A1 p_A1 1e-09\n"
+                              "V_B2 die_B2 r_B2 0\nR_B2 r_B2 p_B2 0.2\n"
+                              "F1 k_A1 r_A1 V_B2 0.5\nF2 p_B2 r_B2 V_A1 0.25\n.ends"));
+}
+
+TEST(Component, SeriesElementsStandBetweenDies) {
+  ComponentNetlist netlist = twoPins();
+  netlist.pins.push_back({{{"C3", {0.0, 1e-9, 2e-12}, {}}}, "", {}, 0});
+  netlist.series = {{"r_typ", {0, 0}, {2, 0}}};
+  const std::string text = written([&](NetlistWriter& writer) { writeComponent(writer, netlist); });
+  EXPECT_THAT(text, HasSubstr("X_B2 p_B2 mon_B2 pu2 pd2 pc2 gc2 in_typ\n"
+                              "XS1 die_A1 die_C3 r_typ\n* package"));
+  EXPECT_THAT(text, HasSubstr("L_C3 die_C3 p_C3 1e-09\nC_C3 p_C3 gc 2e-12\n.ends"));
+}
+
+TEST(Component, WithoutAnyRailsThePackagesReferToGround) {
+  ComponentNetlist netlist;
+  netlist.name = "net_typ";
+  netlist.pins = {{{{"1", {0.1, 0.0, 2e-12}, {}}}, "", {}, 0}};
+  EXPECT_THAT(written([&](NetlistWriter& writer) { writeComponent(writer, netlist); }),
+              HasSubstr(".subckt net_typ p_1\n* package: die - R - L - pin, C at the pin\n"
+                        "R_1 die_1 p_1 0.1\nC_1 p_1 0 2e-12\n.ends net_typ\n"));
+}
+
+TEST(Series, HasABranchForEachKindOfElement) {
+  SeriesNetlist netlist{.name = "s_typ", .notes = {"series"}, .elements = {}};
+  netlist.elements = {.r = 25.0, .l = 1e-9, .rl = 0.1, .c = 5e-13, .lc = 5e-10, .rc = 1.0};
+  netlist.elements.current = {{-1.0, 1.0}, {-0.04, 0.04}};
+  EXPECT_EQ(written([&](NetlistWriter& writer) { writeSeries(writer, netlist); }),
+            "* series\n.subckt s_typ a b\nRr a b 25\nLl a l1 1e-09\nRl l1 b 0.1\n"
+            "Cc a c1 5e-13\nLc c1 c2 5e-10\nRc c2 b 1\n"
+            "Bi a b I=pwl(V(a,b)\n+ ,-1,-0.04 ,1,0.04\n+ )\n.ends s_typ\n\n");
+}
+
+TEST(Series, AWireIsASmallResistor) {
+  SeriesNetlist netlist{.name = "s_typ", .notes = {}, .elements = {.r = 0.0, .l = 0.0}};
+  EXPECT_EQ(written([&](NetlistWriter& writer) { writeSeries(writer, netlist); }),
+            ".subckt s_typ a b\nRr a b 1e-06\nRl a b 1e-06\n.ends s_typ\n\n");
 }
 
 TEST(Pair, DrivesTheSecondPinByTheComplement) {

@@ -8,6 +8,7 @@
 #include "output/stream/memory_sink.h"
 #include "simulator/component_netlist.h"
 #include "simulator/measuring_bench.h"
+#include "simulator/series_netlist.h"
 #include "spice_bench.h"
 #include "verify_model.h"
 
@@ -254,6 +255,61 @@ TEST(Ngspice, ASkewedPairSwitchesLaterOnOnePin) {
     return 0.0;
   };
   EXPECT_NEAR(crossing("v(n)", false) - crossing("v(p)", true), 0.7e-9, 0.1e-9);
+}
+
+TEST(Ngspice, ResistancesBetweenPinsActBothWays) {
+  SKIP_WITHOUT_NGSPICE();
+  ComponentNetlist netlist;
+  netlist.name = "chip";
+  netlist.rails = {Rails{}};
+  for (const char* label : {"1", "2"}) {
+    netlist.pins.push_back({{{label, {}, netlist.pins.size()}}, "load", {}, 0});
+  }
+  netlist.coupled.resistance = {0.4, 0.2};
+  netlist.coupled.inductance = {1e-9, 0.0};
+  netlist.coupled.capacitance = {1e-12, 1e-12};
+  netlist.coupled.shared = {{0, 1, 0.1}};
+  const std::string deck = written([&](NetlistWriter& writer) {
+    writer.comment("1 ohm behind each pin");
+    writer.line(".subckt load pad pu pd pc gc");
+    writer.line("R1 pad gc 1");
+    writer.line(".ends load");
+    writeComponent(writer, netlist);
+    writer.line("V1 a 0 1");
+    writer.line("V2 b 0 2");
+    writer.line("X1 a b 0 chip_v");
+    writer.line(".save i(v1) i(v2)");
+    writer.line(".op");
+    writer.line(".end");
+  });
+  const TemporaryFolder folder;
+  const RawPlot plot = runNgspice(folder, deck);
+  // (1.4 0.1; 0.1 1.2) I = (1; 2), whose determinant is 1.67.
+  EXPECT_NEAR(plot.find("i(v1)")->front(), -1.0 / 1.67, 1e-6);
+  EXPECT_NEAR(plot.find("i(v2)")->front(), -2.7 / 1.67, 1e-6);
+}
+
+TEST(Ngspice, ASeriesModelIsAllOfItsBranches) {
+  SKIP_WITHOUT_NGSPICE();
+  SeriesNetlist netlist{.name = "s", .notes = {}, .elements = {}};
+  netlist.elements = {.r = 4.0, .l = 1e-9, .rl = 2.0, .c = 1e-12, .lc = 1e-9, .rc = 1.0};
+  netlist.elements.current = {{-1.0, 0.0, 1.0}, {-0.125, 0.0, 0.5}};
+  const std::string deck = written([&](NetlistWriter& writer) {
+    writer.comment("1 V either way");
+    writeSeries(writer, netlist);
+    writer.line("V1 a 0 1");
+    writer.line("X1 a 0 s");
+    writer.line("X2 0 a s");
+    writer.line("X3 a b s");
+    writer.line("V3 b 0 1");
+    writer.line(".save i(v1) i(v3)");
+    writer.line(".op");
+    writer.line(".end");
+  });
+  const TemporaryFolder folder;
+  const RawPlot plot = runNgspice(folder, deck);
+  EXPECT_NEAR(plot.find("i(v1)")->front(), -(2.0 * 0.75 + 0.5 + 0.125), 1e-6);
+  EXPECT_NEAR(plot.find("i(v3)")->front(), 0.0, 1e-9);
 }
 
 TEST(Ngspice, AFaultyDeckIsTold) {
