@@ -100,7 +100,10 @@ TEST(KeywordTable, IsFoundByIdAndByNameInAnyCase) {
 
 TEST(KeywordTable, HoldsNoOtherIdAndNoOtherName) {
   const int behind = static_cast<int>(keywordTable().size()) + keyword::none + 1;
-  for (const int id : {-1, 0, 1, behind, 1000}) {
+  EXPECT_EQ(behind, keyword::rcSeries);
+  EXPECT_EQ(findKeyword(behind), nullptr);
+  EXPECT_EQ(keywordName(behind), "Rc Series");
+  for (const int id : {-1, 0, 1, behind + 1, 1000}) {
     EXPECT_EQ(findKeyword(id), nullptr) << id;
     EXPECT_EQ(keywordName(id), "") << id;
   }
@@ -110,8 +113,8 @@ TEST(KeywordTable, HoldsNoOtherIdAndNoOtherName) {
       EXPECT_EQ(keywordId(other), keyword::none) << other;
     }
   }
-  for (const char* name :
-       {"", "Pi", "Pin  Mapping", "PinMapping", "C Series", "POWER Pulse Table", "End Component"}) {
+  for (const char* name : {"", "Pi", "Pin  Mapping", "PinMapping", "C Series", "Rc Series",
+                           "POWER Pulse Table", "End Component"}) {
     EXPECT_EQ(keywordId(name), keyword::none) << name;
   }
 }

@@ -165,6 +165,29 @@ TEST_F(ExportFiles, AFolderThatCannotBeMadeIsAnError) {
   EXPECT_THAT(exportFile(wanted).errors, SizeIs(1));
 }
 
+TEST_F(ExportFiles, SeriesElementsStandBetweenPinsThatHaveNothingElse) {
+  const std::string text =
+      "[IBIS Ver] 3.2\n[Component] net\n[Package]\nR_pkg 0.1 NA NA\nL_pkg 0 NA NA\nC_pkg 1p NA "
+      "NA\n[Pin] signal_name model_name\n1 A NC\n2 B link\n3 C NC\n"
+      "[Series Pin Mapping] pin_2 model_name function_table_group\n1 2 link NA\n2 1 sw g\n"
+      "[Model] link\nModel_type Series\n[Voltage Range] 3 NA NA\n[L Series] 1n 2n 3n\n"
+      "[Rl Series] 0.5 NA NA\n[C Series] 2p NA NA\n[Rc Series] 4 NA NA\n"
+      "[Model] sw\nModel_type Series_switch\n[Voltage Range] 3 NA NA\n[On]\n[R Series] 5 NA NA\n"
+      "[End]\n";
+  ExportRequest wanted = request(write(text));
+  wanted.corners = {"max"};
+  const Export result = exportFile(wanted);
+  EXPECT_THAT(textsOf(result.warnings),
+              ElementsAre("Model 'sw', max: the switch is written in its On state"));
+  ASSERT_THAT(result.files, SizeIs(1));
+  const std::string netlist = read(result.files[0]);
+  EXPECT_THAT(netlist, HasSubstr(".subckt link_max a b\nLl a l1 3e-09\nRl l1 b 0.5\n"
+                                 "Cc a c1 2e-12\nRc c1 b 4\n.ends link_max\n"));
+  EXPECT_THAT(netlist, HasSubstr(".subckt net_max p_1 p_2\nXS1 die_1 die_2 link_max\n"
+                                 "XS2 die_2 die_1 sw_on_max\n"));
+  EXPECT_THAT(netlist, HasSubstr("R_2 die_2 p_2 0.1\nC_2 p_2 0 1e-12\n.ends net_max\n"));
+}
+
 struct FindingRow {
   FindingKind kind;
   const char* text;

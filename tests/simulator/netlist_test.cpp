@@ -350,6 +350,7 @@ TEST(Bench, HasADriverALineAndMeasures) {
   EXPECT_THAT(text, HasSubstr("X1 die1 drv1 0 out_typ_v\nRpkg1 die1 pin1 0.1\n"
                               "T1 pin1 0 pin2 0 z0=50 td=1e-09 rel=10 abs=10\n"));
   EXPECT_THAT(text, HasSubstr("val=0.6 rise=1 targ v(pin2) val=2.4"));
+  EXPECT_THAT(text, HasSubstr("\n.options trtol=1 method=gear\n.tran "));
 }
 
 TEST(RawFile, RealVectorsAreReadByName) {
