@@ -83,9 +83,14 @@ bool isColored(const std::string& choice) {
   return (off == nullptr || *off == '\0') && isatty(STDERR_FILENO) == 1;
 }
 
-bool hasPackageFile(const std::string& name) {
+// The package models of the .pkg file beside a file, if there is one.
+std::vector<std::string> packageModelsBeside(const std::string& name) {
   std::error_code fault;
-  return fs::is_regular_file(fs::path(name).replace_extension(".pkg"), fault);
+  const fs::path path = fs::path(name).replace_extension(".pkg");
+  TextBuffer buffer;
+  if (path == fs::path(name) || !fs::is_regular_file(path, fault)) return {};
+  if (!buffer.loadFile(path.string())) return {};
+  return checks::packageModelsOf(buffer.text());
 }
 
 // A file that cannot be read has its reason for a finding.
@@ -98,7 +103,7 @@ CheckedFile checkFile(const Source& source, const RuleSelection& selection) {
   }
   file.text = buffer.text();
   const checks::CheckOptions options{.fileName = fs::path(source.name).filename().string(),
-                                     .hasPackageFile = hasPackageFile(source.name)};
+                                     .packageModels = packageModelsBeside(source.name)};
   file.diagnostics = selection.select(checks::check(file.text, options));
   return file;
 }

@@ -127,44 +127,74 @@ class LineChecker {
       checkLine(syntax.headOf(block), isText);
       for (const SourceLine& line : syntax.linesOf(block)) checkLine(line, isText);
     }
-    tellLengths();
+    tellLengths(data_);
+    block_ = Spot::nowhere;
+    for (const Comment& comment : syntax.comments()) checkComment(comment);
+    tellLengths(comments_);
     tellTabs();
   }
 
  private:
   void checkLine(const SourceLine& line, bool isText) {
-    const bool isCut = line.text.size() > keptLength && tellCut(line);
-    if (line.text.size() > limit() && !isCut) noteLength(line);
+    const bool isCut = line.text.size() > keptLength && !isText && tellCut(line);
+    if (line.text.size() > limit() && !isCut) data_.note(line.number, line.text.size(), block_);
     if (hasTabs_ && !isText && line.text.find('\t') != line.text.npos) noteTab(line);
     if (!hasOdd_) return;
     const auto odd = std::ranges::find_if(line.text, isOdd);
     if (odd != line.text.end()) {
-      tellOdd(line, static_cast<std::size_t>(odd - line.text.begin()), isText);
+      const auto place = static_cast<std::size_t>(odd - line.text.begin());
+      Finding* told = tellOdd(line, place, 0);
+      const bool isControl = static_cast<unsigned char>(*odd) < 128;
+      if (told != nullptr && isText && !isControl) told->diagnostic.severity = Severity::note;
     }
+  }
+
+  // What a comment holds harms no reader, but may harm people and editors.
+  void checkComment(const Comment& comment) {
+    const auto before = static_cast<std::size_t>(comment.column) - 1;
+    const std::size_t length = before + comment.text.size();
+    if (length > limit() && before <= limit()) comments_.note(comment.line, length, block_);
+    if (!hasOdd_) return;
+    const auto odd = std::ranges::find_if(comment.text, isOdd);
+    if (odd == comment.text.end()) return;
+    const SourceLine line{.whole = comment.text, .text = comment.text, .number = comment.line};
+    Finding* told = tellOdd(line, static_cast<std::size_t>(odd - comment.text.begin()), before);
+    if (told != nullptr) told->diagnostic.severity = Severity::note;
   }
 
   std::size_t limit() const { return view_.version != 0 && view_.version < 40 ? 80 : 120; }
 
-  void noteLength(const SourceLine& line) {
-    if (line.text.size() > worst_) {
-      worst_ = line.text.size();
-      worstLine_ = &line;
-      worstBlock_ = block_;
-    }
-    ++longLines_;
-  }
+  // Lines that are too long, and the longest of them.
+  struct LongLines {
+    std::size_t count = 0;
+    std::size_t most = 0;
+    std::int32_t line = 0;
+    std::uint32_t block = Spot::nowhere;
 
-  void tellLengths() {
-    if (worstLine_ == nullptr) return;
-    const std::string more =
-        longLines_ > 1 ? "; " + countOf(longLines_, "line") + " above the limit" : std::string();
-    Spot spot = view_.spotOf(*worstLine_, worstBlock_);
+    void note(std::int32_t number, std::size_t length, std::uint32_t place) {
+      ++count;
+      if (length <= most) return;
+      most = length;
+      line = number;
+      block = place;
+    }
+  };
+
+  void tellLengths(const LongLines& lines) {
+    if (lines.count == 0) return;
+    const bool isComment = &lines == &comments_;
+    std::string more = isComment ? "; it ends in a comment" : "";
+    if (lines.count > 1) more.append("; ").append(countOf(lines.count, "line"));
+    if (lines.count > 1) more.append(isComment ? " end so" : " above the limit");
+    Spot spot{.line = lines.line, .block = lines.block};
+    if (spot.block != Spot::nowhere) spot.section = view_.block(spot.block).section;
     spot.column = static_cast<std::int32_t>(limit()) + 1;
-    spot.length = static_cast<std::int32_t>(worst_ - limit());
-    findings_.add(
+    spot.length = static_cast<std::int32_t>(lines.most - limit());
+    Finding& told = findings_.add(
         Rule::syntaxLineTooLong, spot,
-        {std::to_string(worst_), std::to_string(limit()),
+        {std::to_string(lines.most), std::to_string(limit()),
          std::string(view_.version == 0 ? "4.2" : standardLimitVersion(view_.version)), more});
+    if (isComment) told.diagnostic.severity = Severity::note;
   }
 
   // Whether a word is cut or lost.
@@ -203,10 +233,11 @@ class LineChecker {
                   {countOf(tabs_, "line") + (tabs_ == 1 ? " holds" : " hold")});
   }
 
-  void tellOdd(const SourceLine& line, std::size_t place, bool isText) {
+  // Told once a block; null for a repeat. The text begins so many columns behind its line.
+  Finding* tellOdd(const SourceLine& line, std::size_t place, std::size_t before) {
     const auto byte = static_cast<unsigned char>(line.text[place]);
     Spot spot = view_.spotOf(line, block_);
-    spot.column = static_cast<std::int32_t>(place) + 1;
+    spot.column = static_cast<std::int32_t>(before + place) + 1;
     spot.length = 1;
     if (byte < 128) return tellControl(line, spot, byte);
     std::size_t begin = place;
@@ -215,20 +246,19 @@ class LineChecker {
     std::string hint;
     const std::string name = nameOf(line.text, place, hint);
     spot.length = static_cast<std::int32_t>(characterAt(line.text, place).length);
-    Finding* told =
-        findings_.addOnce(Rule::syntaxNonAscii, spot,
-                          {name, std::string(line.text.substr(begin, end - begin)), hint});
-    if (told != nullptr && isText) told->diagnostic.severity = Severity::note;
+    return findings_.addOnce(Rule::syntaxNonAscii, spot,
+                             {name, std::string(line.text.substr(begin, end - begin)), hint});
   }
 
   // Ctrl-Z alone on the last line is what old systems end a text with.
-  void tellControl(const SourceLine& line, const Spot& spot, unsigned byte) {
+  Finding* tellControl(const SourceLine& line, const Spot& spot, unsigned byte) {
     const bool isEndMark = byte == 26 && line.number == view_.syntax.facts().lineCount;
     char text[48];
     std::snprintf(text, sizeof text, isEndMark ? "Ctrl-Z at the end" : "control character 0x%02x",
                   byte);
     Finding* told = findings_.addOnce(Rule::syntaxControlCharacter, spot, {text});
     if (told != nullptr && isEndMark) told->diagnostic.severity = Severity::note;
+    return told;
   }
 
   const View& view_;
@@ -236,10 +266,8 @@ class LineChecker {
   bool hasTabs_;
   bool hasOdd_;
   std::uint32_t block_ = 0;
-  std::size_t worst_ = 0;
-  const SourceLine* worstLine_ = nullptr;
-  std::uint32_t worstBlock_ = 0;
-  std::size_t longLines_ = 0;
+  LongLines data_;
+  LongLines comments_;
   std::size_t tabs_ = 0;
   Spot tabSpot_;
 };
@@ -272,7 +300,7 @@ void checkBytes(std::string_view text, const View& view, Findings& findings) {
   LineChecker(text, view, findings).check();
   if (text.starts_with("\xef\xbb\xbf")) {
     findings.add(Rule::syntaxNonAscii, {.line = 1, .column = 1, .length = 3},
-                 {"byte order mark (U+FEFF)", "the first line", "; save the file without it"});
+                 {"byte order mark (U+FEFF)", "the first line", "; a load does not know the line"});
   }
   if (facts.nulLine > 0) {
     findings

@@ -10,7 +10,7 @@ std::vector<Diagnostic> check(std::string_view text, const CheckOptions& options
   if (isForeign(text, syntax, findings)) return findings.take();
   View view(syntax);
   view.fileName = options.fileName;
-  view.hasPackageFile = options.hasPackageFile;
+  view.packageModels = options.packageModels;
   readValues(view, findings);
   checkBytes(text, view, findings);
   checkKeywords(view, findings);
@@ -24,6 +24,15 @@ std::vector<Diagnostic> check(std::string_view text, const CheckOptions& options
   checkPackages(view, findings);
   checkStyle(view, findings);
   return findings.take();
+}
+
+std::vector<std::string> packageModelsOf(std::string_view text) {
+  const Syntax syntax(text);
+  std::vector<std::string> names;
+  for (const Section& part : syntax.sections()) {
+    if (part.kind == section::package && !part.isAfterEnd) names.emplace_back(part.name);
+  }
+  return names;
 }
 
 }  // namespace ibis::checks

@@ -184,13 +184,13 @@ class ComponentChecker {
       std::string expected(word.text);
       expected[word.text.size() - read.tail.size()] = '.';
       findings_.addOnce(Rule::numericDecimalComma, spot,
-                        {label, std::string(word.text), shortNumber(read.value, 6), expected});
+                        {label, std::string(word.text), readValue(read), expected});
     } else if (read.fault == NumberFault::suffixCase) {
       std::string expected(word.text);
       char& letter = expected[word.text.size() - read.tail.size()];
       letter = static_cast<char>(letter - 'A' + 'a');
       findings_.addOnce(Rule::numericSuffixCase, spot,
-                        {label, std::string(word.text), shortNumber(read.value, 6),
+                        {label, std::string(word.text), readValue(read),
                          std::string(read.tail.substr(0, 1)), "no scale letter", expected});
     } else if (read.fault > NumberFault::notAvailable) {
       findings_.addOnce(
@@ -287,7 +287,9 @@ class ComponentChecker {
         startsIgnoringCase(pin.signal, "VCC") || startsIgnoringCase(pin.signal, "VDD");
     const bool isLow =
         startsIgnoringCase(pin.signal, "GND") || startsIgnoringCase(pin.signal, "VSS");
-    const bool isWrong = (isHigh && isGround) || (isLow && isPower);
+    const ModelView* model = modelOf(pin);
+    const bool drives = (isHigh || isLow) && model != nullptr && model->isDriver();
+    const bool isWrong = (isHigh && isGround) || (isLow && isPower) || drives;
     if (!isWrong || hasEcl_) return;
     findings_.add(Rule::pinSupplyModel, pin.modelSpot,
                   {std::string(pin.name), std::string(pin.signal), std::string(pin.model)});

@@ -230,7 +230,7 @@ class ConsistencyChecker {
 
   void compareSlew(const Waveform& waveform, const CornerCurves& columns) {
     const bool isPlain = isRampSound() && waveform.rFixture.value == load() &&
-                         !waveform.lFixture.given && !waveform.cDut.given &&
+                         !(waveform.lFixture.value > 0.0) && !(waveform.cDut.value > 0.0) &&
                          !(waveform.cFixture.value > 2e-12);
     if (!isPlain) return;
     for (std::size_t c = 0; c < corners; ++c) takeSlew(steepest_, waveform, columns[c], c);
@@ -308,9 +308,19 @@ class ConsistencyChecker {
     return drop;
   }
 
+  // The table that a total is told of; in the state that an open driver leaves, that of a clamp.
+  std::uint32_t firstTable(bool isHigh) const {
+    const bool isOpen = isHigh ? model_->isOpenDrain() : model_->isOpenSource();
+    const std::size_t pull = isOpen ? gndClamp : isHigh ? pullup : pulldown;
+    for (const std::size_t table : {pull, gndClamp, powerClamp}) {
+      if (model_->table[table].given()) return model_->table[table].block;
+    }
+    return Spot::nowhere;
+  }
+
   void checkTotal(bool isHigh) {
-    const std::size_t table = isHigh ? pullup : pulldown;
-    if (!model_->table[table].given()) return;
+    const std::uint32_t block = firstTable(isHigh);
+    if (block == Spot::nowhere) return;
     Drop inside;
     Drop outside;
     for (std::size_t c = 0; c < corners; ++c) {
@@ -324,7 +334,7 @@ class ConsistencyChecker {
       const Drop out = largestDrop(*current(isHigh, c), low - reach, high + reach, c);
       if (out.size > std::max({0.05 * out.drive, 100e-6, outside.size})) outside = out;
     }
-    const Spot spot = view_.spotOf(view_.block(model_->table[table].block));
+    const Spot spot = view_.spotOf(view_.block(block));
     const auto tell = [&](Rule rule, const Drop& drop) {
       weigh(findings_.add(rule, spot,
                           {name_, isHigh ? "high" : "low", std::string(cornerNames[drop.corner]),

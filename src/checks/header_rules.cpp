@@ -181,13 +181,14 @@ class HeaderChecker {
   }
 
   void checkReservedNames() {
-    const auto tell = [&](std::string_view kind, std::string_view name, const Spot& spot) {
-      if (!View::isReserved(name)) return;
-      findings_.add(Rule::headerReservedName, spot, {std::string(kind), std::string(name)});
+    const auto tell = [&](std::string_view kind, const auto& each) {
+      if (each.isAfterEnd || !View::isReserved(each.name)) return;
+      findings_.add(Rule::headerReservedName, each.spot,
+                    {std::string(kind), std::string(each.name)});
     };
-    for (const ComponentView& each : view_.components) tell("component", each.name, each.spot);
-    for (const ModelView& each : view_.models) tell("model", each.name, each.spot);
-    for (const SelectorView& each : view_.selectors) tell("selector", each.name, each.spot);
+    for (const ComponentView& each : view_.components) tell("component", each);
+    for (const ModelView& each : view_.models) tell("model", each);
+    for (const SelectorView& each : view_.selectors) tell("selector", each);
   }
 
   void checkTexts() {

@@ -94,7 +94,7 @@ class KeywordChecker {
 
   void checkVersion(const Block& block) {
     const int first = versionNumber(block.keyword->version);
-    if (view_.version == 0 || first <= view_.version || view_.version > 42) return;
+    if (view_.version == 0 || first <= view_.version) return;
     const std::string version =
         std::to_string(view_.version / 10) + '.' + std::to_string(view_.version % 10);
     findings_.add(Rule::syntaxKeywordNewer, view_.spotOf(block),
@@ -125,12 +125,23 @@ class KeywordChecker {
     if (isFirst) return;
     const std::int32_t line = view_.syntax.headOf(*first->second).number;
     const bool isHeader = part.kind == section::header;
-    Finding& told = isHeader
-                        ? findings_.add(Rule::headerDuplicate, view_.spotOf(block),
-                                        {std::string(block.keyword->name)})
-                        : findings_.add(Rule::syntaxDuplicateKeyword, view_.spotOf(block),
-                                        {std::string(block.keyword->name), describe(view_, part)});
+    Finding& told = isHeader ? findings_.add(Rule::headerDuplicate, view_.spotOf(block),
+                                             {std::string(block.keyword->name)})
+                             : findings_.add(Rule::syntaxDuplicateKeyword, view_.spotOf(block),
+                                             {std::string(block.keyword->name),
+                                              describe(view_, part), std::string(outcome(block))});
     addNote(told, line, "the first one is here");
+  }
+
+  // What a load makes of a keyword that it reads twice.
+  static std::string_view outcome(const Block& block) {
+    const StandardKeyword& keyword = *block.keyword;
+    if ((keyword.places & (section::model | section::component)) == 0) return "";
+    if (keyword.content == Content::table || keyword.name == "Pin") {
+      return "; a load joins the rows and drops those that break their order";
+    }
+    const bool isValue = keyword.content == Content::nothing || keyword.name == "Package";
+    return isValue ? "; a load takes the later one" : "";
   }
 
   void checkStray(const Block& block) {
@@ -154,10 +165,10 @@ class KeywordChecker {
     Spot spot = view_.spotOf(line, Spot::nowhere);
     const std::size_t first = text.find_first_not_of(" \t");
     const std::size_t last = text.find_last_not_of(" \t\r");
-    Finding& told =
-        findings_.add(Rule::syntaxTextAfterEnd, spot,
-                      {countOf(behind, "line"), std::to_string(syntax.headOf(end).number),
-                       std::string(text.substr(first, last - first + 1))});
+    Finding& told = findings_.add(
+        Rule::syntaxTextAfterEnd, spot,
+        {countOf(behind, "line"), std::to_string(syntax.headOf(end).number),
+         behind == 1 ? "is" : "are", std::string(text.substr(first, last - first + 1))});
     if (behind == 1 && text.find_first_not_of("\x1a \t\r") == text.npos) {
       told.diagnostic.severity = Severity::note;
     }

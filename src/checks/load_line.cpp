@@ -44,7 +44,8 @@ ModelCurves::ModelCurves(const ModelView& model) {
 std::optional<PadCurrent> PadCurrent::of(const ModelView& model, const ModelCurves& curves,
                                          bool isHigh, std::size_t corner) {
   PadCurrent current;
-  const bool isSound = current.add(model, curves, isHigh ? pullup : pulldown, corner) &&
+  const bool isOpen = isHigh ? model.isOpenDrain() : model.isOpenSource();
+  const bool isSound = (isOpen || current.add(model, curves, isHigh ? pullup : pulldown, corner)) &&
                        current.add(model, curves, gndClamp, corner) &&
                        current.add(model, curves, powerClamp, corner);
   if (!isSound) return std::nullopt;

@@ -39,7 +39,8 @@ struct ModelCurves {
 /// The current into the pad of a model in one state at one corner.
 class PadCurrent {
  public:
-  /// Empty if a table that takes part lacks its reference or this corner.
+  /// Empty if a table that takes part lacks its reference or this corner. In the state that an
+  /// open driver leaves to others only its clamps take part.
   ///
   /// A table without the corner stands in with typ, if the corner has the supply of typ.
   static std::optional<PadCurrent> of(const ModelView& model, const ModelCurves& curves,

@@ -349,7 +349,7 @@ class ModelChecker {
     const auto tell = [&](std::string_view word, const std::string& text) {
       findings_.add(Rule::modelSpecOrder, model_->specTriple(word).spot, {name_, text});
     };
-    if (at("Vinl") > at("Vinh")) tell("Vinl", "Vinl is above Vinh");
+    if (at("Vinl") >= at("Vinh")) tell("Vinl", "Vinl is not below Vinh");
     if (at("Vinl-") > at("Vinl+")) tell("Vinl-", "Vinl- is above Vinl+");
     if (at("Vinh-") > at("Vinh+")) tell("Vinh-", "Vinh- is above Vinh+");
     if (at("S_overshoot_high") < at("Vinh"))

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 
+#include "checks/findings.h"
 #include "ibis/ibis_string.h"
 #include "model/numbers/numbers.h"
 
@@ -85,6 +86,22 @@ bool isUnitWord(std::string_view word) {
 
 bool maySayMilli(std::string_view tail) {
   return tail.size() > 1 && tail[0] == 'M' && isUnit(tail.substr(1));
+}
+
+std::string_view unitOf(std::string_view tail) {
+  const auto isNoUnit = [](char c) { return !isLetter(c); };
+  while (!tail.empty() && isNoUnit(tail.front())) tail.remove_prefix(1);
+  if (isUnit(tail)) return tail;
+  if (tail.size() < 2 || !isUnit(tail.substr(1))) return {};
+  const bool isScale = std::string_view("TGMKkmUuNnPpf").find(tail[0]) != std::string_view::npos;
+  return isScale ? tail.substr(1) : std::string_view();
+}
+
+std::string readValue(const NumberWord& read) {
+  std::string text = shortNumber(read.value, 6);
+  const std::string_view unit = unitOf(read.tail);
+  if (!unit.empty()) text.append(" ").append(unit);
+  return text;
 }
 
 }  // namespace ibis::checks

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 namespace ibis::checks {
@@ -30,5 +31,11 @@ bool isUnitWord(std::string_view word);
 
 /// Whether a tail such as MA may mean milli, as mA does.
 bool maySayMilli(std::string_view tail);
+
+/// The unit that ends a tail such as ",5pF" or "Kohms"; empty where there is none.
+std::string_view unitOf(std::string_view tail);
+
+/// What a load reads, with the unit that the word ends in.
+std::string readValue(const NumberWord& read);
 
 }  // namespace ibis::checks

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 #include "checks/families.h"
 #include "checks/number_word.h"
@@ -63,11 +64,11 @@ std::string firstThree(const std::vector<std::string>& names) {
 
 // The index of the first row whose pivot is not positive; the count of rows if there is none.
 //
-// Works in the envelope of the matrix, and gives up on one that would cost too many steps.
-std::size_t firstBadPivot(std::size_t count, const std::vector<Entry>& entries) {
+// Works in the envelope of the matrix, and gives nothing for one that would cost too many steps.
+std::optional<std::size_t> firstBadPivot(std::size_t count, const std::vector<Entry>& entries) {
   constexpr std::size_t mostPins = 1200;
   constexpr std::size_t mostSteps = 5'000'000;
-  if (count > mostPins) return count;
+  if (count > mostPins) return std::nullopt;
   std::vector<std::size_t> first(count);
   for (std::size_t i = 0; i < count; ++i) first[i] = i;
   double largest = 0.0;
@@ -77,7 +78,7 @@ std::size_t firstBadPivot(std::size_t count, const std::vector<Entry>& entries) 
   }
   std::size_t steps = 0;
   for (std::size_t i = 0; i < count; ++i) steps += (i - first[i]) * (i - first[i]) / 2;
-  if (steps > mostSteps) return count;
+  if (steps > mostSteps) return std::nullopt;
   std::vector<std::vector<double>> lower(count);
   for (std::size_t i = 0; i < count; ++i) lower[i].assign(i - first[i] + 1, 0.0);
   for (const Entry& entry : entries)
@@ -301,7 +302,11 @@ class PackageModelChecker {
       }
     }
     const std::string name(block.argument);
-    if (given > limit && matrix.isSound) {
+    if (given > limit && matrix.isSound && matrix.kind == Kind::banded) {
+      findings_.add(Rule::packageBandwidth, view_.argumentSpot(block),
+                    {"[" + matrix.name() + "] row " + name + " has " + countOf(given, "value") +
+                     ", limit " + std::to_string(limit)});
+    } else if (given > limit && matrix.isSound) {
       findings_.add(Rule::packageRowTooLong, view_.argumentSpot(block),
                     {matrix.name(), name, std::to_string(given), std::to_string(limit)});
     } else if (given < limit && matrix.kind == Kind::full) {
@@ -414,9 +419,18 @@ class PackageModelChecker {
   void checkCouplings(const Matrix& matrix, const Spot& head) {
     if (matrix.isInductance()) checkInductances(matrix);
     if (matrix.isCapacitance()) checkCapacitances(matrix, head);
-    const std::size_t bad = firstBadPivot(count(), matrix.entries);
+    const std::optional<std::size_t> bad = firstBadPivot(count(), matrix.entries);
     if (bad == count()) return;
-    findings_.add(Rule::packageNotDefinite, head, {matrix.name(), std::string(pins_[bad])});
+    if (bad) {
+      findings_.add(Rule::packageNotDefinite, head,
+                    {matrix.name(), "positive definite (pin " + std::string(pins_[*bad]) + ")"});
+      return;
+    }
+    Finding& told =
+        findings_.add(Rule::packageNotDefinite, head,
+                      {matrix.name(), "tested for being positive definite: it is too large"});
+    told.diagnostic.severity = Severity::note;
+    told.diagnostic.notes.clear();
   }
 
   void checkInductances(const Matrix& matrix) {
@@ -558,9 +572,12 @@ class PackageChecker {
     std::vector<std::string_view> first;
     const std::int32_t count = ++asked_ > hints ? 0 : std::min(names_.size(), searchedNames);
     for (std::int32_t i = 0; i < count; ++i) first.push_back(names_.name(i));
-    Finding& told = findings_.add(Rule::packageModelUndefined, component.packageModelSpot,
-                                  {std::string(name), didYouMean(nearestWord(name, first))});
-    if (view_.hasPackageFile) told.diagnostic.severity = Severity::note;
+    const bool isBeside = std::ranges::find(view_.packageModels, name) != view_.packageModels.end();
+    Finding& told =
+        findings_.add(Rule::packageModelUndefined, component.packageModelSpot,
+                      {std::string(name), isBeside ? " here; the .pkg file beside this one has it"
+                                                   : didYouMean(nearestWord(name, first))});
+    if (isBeside) told.diagnostic.severity = Severity::note;
   }
 
   const View& view_;

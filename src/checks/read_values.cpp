@@ -100,7 +100,7 @@ class ValueReader {
     if (!isCounted()) return;
     const std::string text(word);
     const std::string tail(read.tail);
-    const std::string value = shortNumber(read.value, 6);
+    const std::string value = readValue(read);
     switch (read.fault) {
       case NumberFault::decimalComma: {
         std::string expected = text;
@@ -130,12 +130,30 @@ class ValueReader {
     }
   }
 
-  void tellDetached(const SourceLine& line, const Word& word, std::uint32_t block,
-                    const std::string& label, bool isLast) {
+  // A unit behind the last value shifts nothing.
+  void tellDetached(const SourceLine& line, const Word& word, Words words, std::uint32_t block,
+                    const std::string& label, std::span<const std::string_view> columns) {
     if (!isCounted()) return;
-    Finding* told = findings_.addOnce(Rule::numericDetachedUnit, view_.spotOf(line, word, block),
-                                      {label, std::string(word.text)});
+    const bool isLast = static_cast<std::size_t>(&word - words.data()) >= columns.size();
+    const auto begin = static_cast<std::size_t>(words.front().column) - 1;
+    const std::size_t end =
+        static_cast<std::size_t>(words.back().column) - 1 + words.back().text.size();
+    Finding* told = findings_.addOnce(
+        Rule::numericDetachedUnit, view_.spotOf(line, word, block),
+        {label, std::string(line.whole.substr(begin, end - begin)),
+         isLast ? std::string() : "; it is read as " + readingOf(words, columns)});
     if (told != nullptr && isLast) told->diagnostic.severity = Severity::note;
+  }
+
+  // What a reader that counts words takes for each column.
+  static std::string readingOf(Words words, std::span<const std::string_view> columns) {
+    std::vector<std::string> parts;
+    for (std::size_t i = 0; i < std::min(words.size(), columns.size()); ++i) {
+      const double value = readNumberWord(words[i].text).value;
+      parts.push_back(std::string(columns[i]) + " " +
+                      (std::isnan(value) ? "no number" : shortNumber(value, 6)));
+    }
+    return joined(parts);
   }
 
   // typ, min and max from a line; units that stand by themselves are passed over.
@@ -147,7 +165,7 @@ class ValueReader {
     const auto capital = milliInCapitals(words);
     for (const Word& word : words) {
       if (count > 0 && isUnitWord(word.text)) {
-        tellDetached(line, word, block, label, count == corners);
+        tellDetached(line, word, words, block, label, cornerNames);
         hasDetached = true;
         continue;
       }
@@ -194,9 +212,8 @@ class ValueReader {
     const NumberWord read = readNumberWord(word.text);
     std::string expected(word.text);
     expected[word.text.size() - read.tail.size()] = 'm';
-    findings_.addOnce(
-        Rule::numericSuffixCase, view_.spotOf(line, word, block),
-        {label, std::string(word.text), shortNumber(read.value, 6), "M", "mega", expected});
+    findings_.addOnce(Rule::numericSuffixCase, view_.spotOf(line, word, block),
+                      {label, std::string(word.text), readValue(read), "M", "mega", expected});
   }
 
   Single single(const SourceLine& line, Words words, std::uint32_t block,
@@ -208,7 +225,7 @@ class ValueReader {
     Single value{.given = true, .word = words[0].text, .spot = view_.spotOf(line, words[0], block)};
     value.value = number(line, words[0], block, [&] { return label; });
     if (words.size() > 1 && isUnitWord(words[1].text)) {
-      tellDetached(line, words[1], block, label, true);
+      tellDetached(line, words[1], words, block, label, std::span(cornerNames).first(1));
     }
     return value;
   }
@@ -562,6 +579,7 @@ class ValueReader {
     Rows rows{.block = view_.indexOf(block)};
     reserve(rows, block.lineCount);
     for (const SourceLine& line : view_.syntax.linesOf(block)) readRow(rows, line);
+    tellMilli(rows);
     rows.isSound = rows.isSound && !findings_.hasWrongNumber(rows.block);
     return rows;
   }
@@ -584,13 +602,15 @@ class ValueReader {
       const NumberWord read = readNumberWord(word.text);
       if (read.fault > NumberFault::notAvailable) {
         if (count > 0 && isUnitWord(word.text)) {
-          tellDetached(line, word, rows.block, view_.nameOf(view_.block(rows.block)), false);
+          tellDetached(line, word, words, rows.block, view_.nameOf(view_.block(rows.block)),
+                       columnNames(rows));
           rows.isSound = false;
           hasDetached = true;
           continue;
         }
         tellCell(rows, read, line, word, count);
       }
+      if (!read.tail.empty()) noteMilli(line, word, read.tail, count);
       values[count++] = read.value;
     }
     if (count < 1 + corners && !hasDetached) tellShortRow(rows, line, count);
@@ -602,14 +622,37 @@ class ValueReader {
   void tellCell(Rows& rows, const NumberWord& read, const SourceLine& line, const Word& word,
                 std::size_t column) {
     rows.isSound = false;
-    const Block& block = view_.block(rows.block);
-    const bool isTable = block.keyword->content == Content::table;
-    const std::string_view names[] = {isTable ? "voltage" : "time", isTable ? "I(typ)" : "V(typ)",
-                                      isTable ? "I(min)" : "V(min)", isTable ? "I(max)" : "V(max)"};
-    const std::string label = view_.nameOf(block) + ", column " + std::to_string(column + 1) +
-                              " (" + std::string(names[column]) + ")";
-    tellFault(read, view_.spotOf(line, word, rows.block), word.text, label,
+    tellFault(read, view_.spotOf(line, word, rows.block), word.text, cellLabel(rows, column),
               around(rows, line, column));
+  }
+
+  std::span<const std::string_view> columnNames(const Rows& rows) const {
+    static constexpr std::string_view table[] = {"voltage", "I(typ)", "I(min)", "I(max)"};
+    static constexpr std::string_view waveform[] = {"time", "V(typ)", "V(min)", "V(max)"};
+    const bool isTable = view_.block(rows.block).keyword->content == Content::table;
+    return isTable ? table : waveform;
+  }
+
+  std::string cellLabel(const Rows& rows, std::size_t column) const {
+    return view_.nameOf(view_.block(rows.block)) + ", column " + std::to_string(column + 1) + " (" +
+           std::string(columnNames(rows)[column]) + ")";
+  }
+
+  // A scale letter M counts as a slip only beside the small one, so it is told at the end.
+  void noteMilli(const SourceLine& line, const Word& word, std::string_view tail,
+                 std::size_t column) {
+    if (tail[0] == 'm') hasMilli_ = true;
+    if (tail[0] != 'M' || capital_.word != nullptr || !maySayMilli(tail)) return;
+    capital_ = {.line = &line, .word = &word, .column = column};
+  }
+
+  void tellMilli(Rows& rows) {
+    if (hasMilli_ && capital_.word != nullptr) {
+      tellCapital(*capital_.line, *capital_.word, rows.block, cellLabel(rows, capital_.column));
+      rows.isSound = false;
+    }
+    hasMilli_ = false;
+    capital_ = {};
   }
 
   // What stands in the rows above and below.
@@ -652,6 +695,7 @@ class ValueReader {
         readRow(waveform.rows, line);
       }
     }
+    tellMilli(waveform.rows);
   }
 
   void readFixture(Waveform& waveform, const SourceLine& line, Words words) {
@@ -706,9 +750,17 @@ class ValueReader {
     }
   }
 
+  struct Cell {
+    const SourceLine* line = nullptr;
+    const Word* word = nullptr;
+    std::size_t column = 0;
+  };
+
   View& view_;
   Findings& findings_;
   std::uint32_t section_ = 0;
+  Cell capital_;           // the first with a scale letter M that may say milli
+  bool hasMilli_ = false;  // whether a small m stands in the same table
   std::vector<bool> markedSelectors_;
 };
 

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "checks/families.h"
+#include "component/names/name_table.h"
 #include "ibis/ibis_string.h"
 
 namespace ibis::checks {
@@ -22,7 +23,7 @@ class StyleChecker {
       if (model.isAfterEnd) continue;
       checkModel(model);
       checkLength(Rule::portabilityModelNameLength, model.spot, model.name, model.name);
-      checkCharacters("model", model.name, model.spot);
+      checkCharacters("model", model.name, model.spot, [&] { return loadedModel(model.name); });
       if (models.add(model.name, &model)) continue;
       const ModelView& first = **models.find(model.name);
       if (first.name == model.name) continue;
@@ -44,11 +45,37 @@ class StyleChecker {
         rule, spot, {std::string(owner), std::to_string(name.size()), std::to_string(nameLimit())});
   }
 
-  void checkCharacters(std::string_view kind, std::string_view name, const Spot& spot) {
+  template <class LoadedName>
+  Finding* checkCharacters(std::string_view kind, std::string_view name, const Spot& spot,
+                           const LoadedName& loadedName) {
     const std::size_t place = name.find_first_of(spiceCharacters);
-    if (place == name.npos) return;
-    findings_.addOnce(Rule::portabilitySpiceCharacters, spot,
-                      {std::string(kind), std::string(name), std::string(1, name[place])});
+    if (place == name.npos) return nullptr;
+    return &findings_.add(
+        Rule::portabilitySpiceCharacters, spot,
+        {std::string(kind), std::string(name), std::string(1, name[place]), loadedName()});
+  }
+
+  // Components and models share one table of names, which a load fills in the order of the file.
+  std::string loadedModel(std::string_view name) {
+    if (!hasNames_) {
+      for (const Section& part : view_.syntax.sections()) {
+        const bool isNamed = part.kind == section::component || part.kind == section::model;
+        if (isNamed && !part.isAfterEnd) names_.registerName(part.name);
+      }
+      hasNames_ = true;
+    }
+    return names_.spiceName(name).str();
+  }
+
+  // A signal that stands again gets a number, so all rows above count.
+  static std::string loadedSignal(const ComponentView& component, const PinView& last) {
+    IBISNameTable names;
+    IBISString unique;
+    for (const PinView& pin : component.pins) {
+      unique = names.makeUniqueName(pin.signal);
+      if (&pin == &last) break;
+    }
+    return names.spiceName(unique).str();
   }
 
   void checkModel(const ModelView& model) {
@@ -98,6 +125,7 @@ class StyleChecker {
     NameMap<ExactCase, Signal> signals;
     std::vector<std::string_view> order;
     NameMap<IgnoringCase, const PinView*> pins;
+    checkSignals(component);
     for (const PinView& pin : component.pins) {
       checkPin(pin);
       if (!pins.add(pin.name, &pin) && (*pins.find(pin.name))->name != pin.name) {
@@ -121,17 +149,31 @@ class StyleChecker {
     }
   }
 
+  // One signal tells of its component.
+  void checkSignals(const ComponentView& component) {
+    const auto hasOddSignal = [](const PinView& pin) {
+      return pin.signal.find_first_of(spiceCharacters) != pin.signal.npos;
+    };
+    const auto odd = std::ranges::find_if(component.pins, hasOddSignal);
+    if (odd == component.pins.end()) return;
+    Finding* told = checkCharacters("signal", odd->signal, odd->spot,
+                                    [&] { return loadedSignal(component, *odd); });
+    told->furtherRows = static_cast<std::uint32_t>(
+        std::ranges::count_if(odd + 1, component.pins.end(), hasOddSignal));
+  }
+
   void checkPin(const PinView& pin) {
     if (pin.name.size() > longestPin) {
       findings_.addOnce(Rule::portabilityPinLength, pin.spot,
                         {std::string(pin.name), std::to_string(pin.name.size())});
     }
     checkLength(Rule::portabilitySignalNameLength, pin.spot, pin.signal, pin.name);
-    checkCharacters("signal", pin.signal, pin.spot);
   }
 
   const View& view_;
   Findings& findings_;
+  IBISNameTable names_;
+  bool hasNames_ = false;
 };
 
 }  // namespace

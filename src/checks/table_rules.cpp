@@ -112,16 +112,20 @@ class TableChecker {
 
   void checkSize(const Rows& rows) {
     std::size_t worst = 0;
+    std::size_t corner = typ;
     double most = 0.0;
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-      if (!(std::abs(rows.y[typ][i]) > most)) continue;
-      most = std::abs(rows.y[typ][i]);
-      worst = i;
+    for (std::size_t c = 0; c < corners; ++c) {
+      for (std::size_t i = 0; i < rows.size(); ++i) {
+        if (!(std::abs(rows.y[c][i]) > most)) continue;
+        most = std::abs(rows.y[c][i]);
+        worst = i;
+        corner = c;
+      }
     }
     if (most <= 100.0) return;
     Finding& told =
-        findings_.add(Rule::tableCurrentImplausible, cell(rows, worst, 1),
-                      {keyword(), name_, quantity(rows.y[typ][worst], "A"),
+        findings_.add(Rule::tableCurrentImplausible, cell(rows, worst, corner + 1),
+                      {keyword(), name_, quantity(rows.y[corner][worst], "A"),
                        quantity(rows.x[worst], "V"), most > 1e6 ? ", as of an ideal diode" : ""});
     if (most > 1000.0) told.diagnostic.severity = Severity::warning;
   }
@@ -162,13 +166,14 @@ class TableChecker {
     const double atZero = std::abs(curve.at(0.0));
     const double atHalf = std::abs(curve.at(supply / 2));
     const double atSupply = std::abs(curve.at(supply));
-    const bool hasBoth = curve.x.front() <= 0.0 && curve.x.back() >= supply;
     const bool isLarge =
         curve.x.front() <= 0.0 && curve.x.back() >= 0.0 && atZero > std::max(0.1 * atHalf, 100e-6);
-    if (isLarge && hasBoth && atSupply < 0.3 * atZero && !model_->isInPair) {
-      weigh(findings_.add(Rule::tableWrongReference, head(rows),
-                          {keyword(), name_, quantity(curve.at(0.0), "A"),
-                           quantity(curve.at(supply), "A"), quantity(supply, "V")}));
+    if (isLarge && atSupply < 0.3 * atZero && !model_->isInPair) {
+      weigh(findings_.add(
+          Rule::tableWrongReference, head(rows),
+          {keyword(), name_, quantity(curve.at(0.0), "A"), quantity(curve.at(supply), "A"),
+           quantity(supply, "V"),
+           place_ == pullup ? "ground (Vtable = Vcc - Vout)" : "the supply (Vtable = Vout)"}));
     } else if (isLarge) {
       findings_.add(Rule::tableCurrentAtZero, head(rows),
                     {keyword(), name_, quantity(curve.at(0.0), "A")});

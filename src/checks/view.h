@@ -168,8 +168,8 @@ struct View {
 
   const Syntax& syntax;
   std::string fileName;
-  bool hasPackageFile = false;
-  int version = 0;  ///< 42 for 4.2; 0 for none.
+  std::vector<std::string> packageModels;  ///< Of the .pkg file beside it.
+  int version = 0;                         ///< 42 for 4.2; 0 for none.
   std::vector<ComponentView> components;
   std::vector<SelectorView> selectors;
   std::vector<ModelView> models;

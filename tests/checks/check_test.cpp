@@ -123,6 +123,51 @@ TEST(Quantity, IsWrittenWithAScaleLetter) {
   EXPECT_EQ(checks::quantity(0.9999999, "V"), "1 V");
 }
 
+TEST(ReadValue, EndsInTheUnitOfTheWord) {
+  constexpr std::pair<std::string_view, std::string_view> rows[] = {
+      {"4,5pF", "4 F"}, {"7Kohms", "7 ohms"}, {"50", "50"}, {"3.3V", "3.3 V"}, {"2Kx", "2"}};
+  for (const auto& [word, text] : rows) {
+    EXPECT_EQ(checks::readValue(checks::readNumberWord(word)), text) << word;
+  }
+}
+
+TEST(PackageModels, AreLookedForBesideTheFile) {
+  const std::string text =
+      "[IBIS Ver] 4.2\n[Component] c\n[Package Model] frame\n[Pin] signal_name model_name\n[End]\n";
+  const auto ofRule = [&](const checks::CheckOptions& options) {
+    return render(checks::check(text, options), "package-model-undefined");
+  };
+  const std::string here = "3:17+5: ";
+  const std::string remedy = " [package-model-undefined]\n  0: note: define it, or mend the name\n";
+  const std::vector<std::string> beside =
+      checks::packageModelsOf("[IBIS Ver] 4.2\n[Define Package Model] frame\n[End]\n");
+  EXPECT_THAT(beside, ElementsAre("frame"));
+  EXPECT_THAT(ofRule({}), ::testing::HasSubstr(
+                              here + "error: [Package Model] 'frame' is not defined" + remedy));
+  EXPECT_THAT(ofRule({.packageModels = beside}),
+              ::testing::HasSubstr(here +
+                                   "note: [Package Model] 'frame' is not defined here; the .pkg "
+                                   "file beside this one has it" +
+                                   remedy));
+}
+
+// A matrix of many pins would take too many steps.
+TEST(PositiveDefinite, IsNotTestedOfAVeryLargeMatrix) {
+  std::string text =
+      "[IBIS Ver] 4.2\n[Define Package Model] p\n[Number Of Pins] 1201\n[Pin Numbers]\n";
+  std::string rows;
+  for (int i = 1; i <= 1201; ++i) {
+    text.append(std::to_string(i)).append("\n");
+    rows.append("[Row] ").append(std::to_string(i)).append("\n").append(std::to_string(i));
+    rows.append(" 1n\n");
+  }
+  text.append("[Model Data]\n[Inductance Matrix] Sparse_matrix\n").append(rows).append("[End]\n");
+  EXPECT_THAT(render(checks::check(text), "package-not-positive-definite"),
+              ::testing::HasSubstr("1207:1+19: note: [Inductance Matrix] is not tested for being "
+                                   "positive definite: it is too large "
+                                   "[package-not-positive-definite]\n"));
+}
+
 TEST(EditDistance, CountsExchangedNeighboursOnce) {
   EXPECT_EQ(checks::editDistance("PULLDWON", "PULLDOWN", 3), 1U);
   EXPECT_EQ(checks::editDistance("ABC", "XYZ", 2), 3U);

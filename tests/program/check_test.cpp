@@ -39,7 +39,7 @@ TEST(CheckCommand, TellsPlaceTextLineCaretAndRemedy) {
   const Outcome result = run({"check", name});
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.err, name +
-                            ":61:16: error: C_comp: '4,5pF' has a decimal comma; it is read as 4 "
+                            ":61:16: error: C_comp: '4,5pF' has a decimal comma; it is read as 4 F "
                             "(expected 4.5pF) [numeric-decimal-comma]\n"
                             "    C_comp         4,5pF     3.8pF     5.4pF\n"
                             "                   ^~~~~\n" +
@@ -182,7 +182,7 @@ TEST(CheckCommand, ReportsAsJson) {
   EXPECT_EQ(report[0]["counts"], json::parse(R"({"error": 1, "warning": 0, "note": 0})"));
   EXPECT_EQ(report[0]["diagnostics"], json::parse(R"json([
       {"id": "numeric-decimal-comma", "severity": "error", "line": 61, "column": 16, "length": 5,
-       "text": "C_comp: '4,5pF' has a decimal comma; it is read as 4 (expected 4.5pF)",
+       "text": "C_comp: '4,5pF' has a decimal comma; it is read as 4 F (expected 4.5pF)",
        "notes": [{"line": null, "text": "write a point"}]}])json"));
 }
 

@@ -121,7 +121,7 @@ int versionNumber(std::string_view text) {
 
 std::size_t editLimit(std::size_t length) {
   if (length < 3) return 0;
-  return length < 5 ? 1 : std::max<std::size_t>(2, length / 4);
+  return length < 5 ? 1 : std::max<std::size_t>(2, length / 3);
 }
 
 std::string_view nearestWord(std::string_view word, std::span<const std::string_view> words) {

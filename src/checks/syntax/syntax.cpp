@@ -8,6 +8,7 @@
 namespace ibis::checks {
 namespace {
 
+constexpr std::string_view byteOrderMark = "\xef\xbb\xbf";
 constexpr std::string_view allowedCommentChars = "!\"#$%&'()*,:;<>?@\\^`{|}~";
 
 bool isBlank(char c) { return c == ' ' || c == '\t'; }
@@ -41,7 +42,7 @@ Syntax::Syntax(std::string_view text) {
   words_.reserve(kept.size() / 8 + 1);
   const bool hasFeeds = kept.find('\n') != kept.npos;
   const char lineEnd = hasFeeds ? '\n' : '\r';
-  std::size_t begin = 0;
+  std::size_t begin = kept.starts_with(byteOrderMark) ? byteOrderMark.size() : 0;
   while (begin < kept.size()) {
     const auto* end =
         static_cast<const char*>(std::memchr(kept.data() + begin, lineEnd, kept.size() - begin));
@@ -61,11 +62,21 @@ Syntax::Syntax(std::string_view text) {
 }
 
 void Syntax::takeLine(std::string_view whole, std::int32_t number) {
-  if (whole.empty() || whole.front() == commentChar_) return;
+  if (whole.empty()) return;
+  if (whole.front() == commentChar_) {
+    comments_.push_back({.text = whole, .line = number});
+    return;
+  }
   const auto* sign =
       static_cast<const char*>(std::memchr(whole.data(), commentChar_, whole.size()));
   SourceLine line{.whole = whole, .text = whole, .number = number};
-  if (sign != nullptr) line.text = whole.substr(0, static_cast<std::size_t>(sign - whole.data()));
+  if (sign != nullptr) {
+    const auto place = static_cast<std::size_t>(sign - whole.data());
+    line.text = whole.substr(0, place);
+    comments_.push_back({.text = whole.substr(place),
+                         .line = number,
+                         .column = static_cast<std::int32_t>(place) + 1});
+  }
   std::size_t first = 0;
   while (first < line.text.size() && isBlank(line.text[first])) ++first;
   if (first == line.text.size()) return;

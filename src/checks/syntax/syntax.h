@@ -60,6 +60,13 @@ struct TextFacts {
   std::uint32_t textBeforeKeyword = 0;  ///< Lines of data in front of the first keyword.
 };
 
+/// A comment with its sign, behind data or alone on its line.
+struct Comment {
+  std::string_view text;
+  std::int32_t line = 0;
+  std::int32_t column = 1;
+};
+
 /// A [Comment Char] line.
 struct CommentChange {
   std::uint32_t line = 0;  ///< Index of the line.
@@ -78,6 +85,7 @@ class Syntax {
   const std::vector<Block>& blocks() const { return blocks_; }
   const std::vector<Section>& sections() const { return sections_; }
   const std::vector<CommentChange>& commentChanges() const { return commentChanges_; }
+  const std::vector<Comment>& comments() const { return comments_; }
   const TextFacts& facts() const { return facts_; }
 
   std::span<const Word> words(const SourceLine& line) const {
@@ -106,6 +114,7 @@ class Syntax {
   std::vector<Block> blocks_;
   std::vector<Section> sections_;
   std::vector<CommentChange> commentChanges_;
+  std::vector<Comment> comments_;
   TextFacts facts_;
   char commentChar_ = '|';
   std::size_t guesses_ = 0;
