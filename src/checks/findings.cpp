@@ -7,7 +7,7 @@
 namespace ibis::checks {
 namespace {
 
-enum class Scope : std::uint8_t { section, block };
+enum class Scope : std::uint8_t { file, section, block };
 
 // cause, what follows from it, within which part of the file
 struct FollowUp {
@@ -30,7 +30,18 @@ constexpr FollowUp followUps[] = {
     {Rule::tableWrongReference, Rule::consistencyCombinedOutside, Scope::section},
     {Rule::tableWrongReference, Rule::consistencyVmeas, Scope::section},
     {Rule::tableWrongReference, Rule::tableCurrentAtZero, Scope::block},
+    {Rule::pinModelAfterEnd, Rule::syntaxTextAfterEnd, Scope::file},
+    {Rule::tableVoltageOrder, Rule::tableVoltageRepeated, Scope::block},
     {Rule::tableVoltageOrder, Rule::tableOutlier, Scope::block},
+    {Rule::tableVoltageOrder, Rule::tableCurrentSign, Scope::block},
+    {Rule::tableVoltageOrder, Rule::tableWrongReference, Scope::block},
+    {Rule::tableVoltageOrder, Rule::tableClampInPull, Scope::section},
+    {Rule::tableVoltageOrder, Rule::tableClampOverlap, Scope::section},
+    {Rule::tableVoltageOrder, Rule::consistencyWaveformIv, Scope::section},
+    {Rule::tableVoltageOrder, Rule::consistencyRampIv, Scope::section},
+    {Rule::tableVoltageOrder, Rule::consistencyCombined, Scope::section},
+    {Rule::tableVoltageOrder, Rule::consistencyCombinedOutside, Scope::section},
+    {Rule::tableVoltageOrder, Rule::consistencyVmeas, Scope::section},
     {Rule::tableOutlier, Rule::consistencyCombined, Scope::section},
     {Rule::tableOutlier, Rule::consistencyCombinedOutside, Scope::section},
     {Rule::tableClampInPull, Rule::consistencyWaveformIv, Scope::section},
@@ -64,6 +75,10 @@ constexpr FollowUp followUps[] = {
     {Rule::modelVoltageImplausible, Rule::modelVmeasOutside, Scope::section},
     {Rule::modelVoltageImplausible, Rule::modelReferenceVsRange, Scope::section},
     {Rule::waveformRFixture, Rule::consistencyWaveformIv, Scope::block},
+    {Rule::waveformTimeOrder, Rule::consistencyWaveformIv, Scope::block},
+    {Rule::waveformTimeOrder, Rule::waveformLevelsDiffer, Scope::section},
+    {Rule::waveformTimeOrder, Rule::consistencyRampWaveform, Scope::section},
+    {Rule::modelVmeasOutside, Rule::consistencyVmeas, Scope::section},
     {Rule::packageDiagonalNotPositive, Rule::packageNotDefinite, Scope::block},
     {Rule::packageDiagonalMissing, Rule::packageNotDefinite, Scope::block},
     {Rule::packageCoupling, Rule::packageNotDefinite, Scope::block},
@@ -114,6 +129,7 @@ Finding& Findings::add(Rule rule, const Spot& spot, Arguments arguments) {
     const std::string last = arguments.size() == 0 ? std::string() : *(arguments.end() - 1);
     addNote(finding, 0, fillText(row.remedy, {last}));
   }
+  told_.insert(rule);
   ++bySection_[{rule, spot.section}];
   ++countByBlock_[{rule, spot.block}];
   return finding;
@@ -142,10 +158,16 @@ bool Findings::hasWrongNumber(std::uint32_t block) const {
 bool Findings::followsAnother(const Finding& finding) const {
   return std::ranges::any_of(followUps, [&](const FollowUp& row) {
     if (row.effect != finding.rule) return false;
-    return row.scope == Scope::section ? finding.section != Spot::nowhere &&
-                                             bySection_.contains({row.cause, finding.section})
-                                       : finding.block != Spot::nowhere &&
-                                             countByBlock_.contains({row.cause, finding.block});
+    switch (row.scope) {
+      case Scope::file:
+        return told_.contains(row.cause);
+      case Scope::section:
+        return finding.section != Spot::nowhere &&
+               bySection_.contains({row.cause, finding.section});
+      case Scope::block:
+        return finding.block != Spot::nowhere && countByBlock_.contains({row.cause, finding.block});
+    }
+    return false;
   });
 }
 

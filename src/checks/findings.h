@@ -5,6 +5,7 @@
 #include <initializer_list>
 #include <limits>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -57,6 +58,7 @@ class Findings {
   bool followsAnother(const Finding& finding) const;
 
   std::deque<Finding> findings_;
+  std::set<Rule> told_;
   std::map<std::pair<Rule, std::uint32_t>, Finding*> byBlock_;
   std::map<std::pair<Rule, std::uint32_t>, std::uint32_t> bySection_;
   std::map<std::pair<Rule, std::uint32_t>, std::uint32_t> countByBlock_;
