@@ -186,7 +186,8 @@ class KeywordChecker {
       const SourceLine& line = view_.syntax.lines()[change.line];
       const std::string_view rest = line.whole.substr(line.whole.find(']') + 1);
       const std::size_t first = rest.find_first_not_of(" \t");
-      const std::string text(first == rest.npos ? "" : rest.substr(first));
+      const std::size_t last = rest.find_last_not_of(" \t") + 1;
+      const std::string text(first == rest.npos ? "" : rest.substr(first, last - first));
       Finding& told = findings_.add(
           Rule::syntaxCommentChar, view_.spotOf(line, Spot::nowhere),
           {text, change.isValid ? "comments begin with '" + std::string(1, change.sign) + "' here"

@@ -152,10 +152,11 @@ class ModelChecker {
   }
 
   void checkCComp(std::string_view word, const Triple& value) {
-    for (const double each : value.at) {
+    for (std::size_t c = 0; c < corners; ++c) {
+      const double each = value.at[c];
       const bool isTooSmall = word == "C_comp" && each < 10e-15 && each != 0.0;
       if (!(each > 100e-12) && !isTooSmall && !(each < 0.0)) continue;
-      findings_.add(Rule::modelCCompImplausible, value.spot,
+      findings_.add(Rule::modelCCompImplausible, value.spots[c],
                     {std::string(word), name_, quantity(each, "F")});
       return;
     }
@@ -185,7 +186,7 @@ class ModelChecker {
           Rule::modelTypOutside, value.spot,
           {label, name_, quantity(middle, unit), quantity(low, unit), quantity(high, unit)});
     } else if (low > high && middle > 0.0) {
-      Finding& told = findings_.add(Rule::modelMinAboveMax, value.spot,
+      Finding& told = findings_.add(Rule::modelMinAboveMax, value.spots[min],
                                     {label, name_, quantity(low, unit), quantity(high, unit)});
       if (unit == "F") told.diagnostic.severity = Severity::note;
     }

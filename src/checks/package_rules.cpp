@@ -389,11 +389,20 @@ class PackageModelChecker {
     return matrix.isInductance() ? "H" : matrix.isCapacitance() ? "F" : "ohm";
   }
 
+  // A place inside of a matrix, as one of its block.
+  Spot spotIn(const Matrix& matrix, Spot spot) const {
+    spot.block = view_.indexOf(*matrix.block);
+    return spot;
+  }
+
   // Whether each pin has a value of its own that is above 0.
   bool checkDiagonal(const Matrix& matrix, const Spot& head) {
     diagonal_.assign(count(), notGiven);
+    diagonalSpots_.assign(count(), head);
     for (const Entry& entry : matrix.entries) {
-      if (entry.row == entry.column) diagonal_[entry.row] = entry.value;
+      if (entry.row != entry.column) continue;
+      diagonal_[entry.row] = entry.value;
+      diagonalSpots_[entry.row] = spotIn(matrix, entry.spot);
     }
     std::vector<std::string> missing;
     std::vector<std::size_t> wrong;
@@ -409,7 +418,7 @@ class PackageModelChecker {
                     {matrix.name(), missing.front(), more(missing.size())});
     }
     if (!wrong.empty()) {
-      findings_.add(Rule::packageDiagonalNotPositive, head,
+      findings_.add(Rule::packageDiagonalNotPositive, diagonalSpots_[wrong.front()],
                     {matrix.name(), std::string(pins_[wrong.front()]),
                      quantity(diagonal_[wrong.front()], unitOf(matrix)), more(wrong.size())});
     }
@@ -418,11 +427,11 @@ class PackageModelChecker {
 
   void checkCouplings(const Matrix& matrix, const Spot& head) {
     if (matrix.isInductance()) checkInductances(matrix);
-    if (matrix.isCapacitance()) checkCapacitances(matrix, head);
+    if (matrix.isCapacitance()) checkCapacitances(matrix);
     const std::optional<std::size_t> bad = firstBadPivot(count(), matrix.entries);
     if (bad == count()) return;
     if (bad) {
-      findings_.add(Rule::packageNotDefinite, head,
+      findings_.add(Rule::packageNotDefinite, diagonalSpots_[*bad],
                     {matrix.name(), "positive definite (pin " + std::string(pins_[*bad]) + ")"});
       return;
     }
@@ -445,15 +454,13 @@ class PackageModelChecker {
       worst = &entry;
     }
     if (worst == nullptr) return;
-    Spot spot = worst->spot;
-    spot.block = view_.indexOf(*matrix.block);
-    findings_.add(Rule::packageCoupling, spot,
+    findings_.add(Rule::packageCoupling, spotIn(matrix, worst->spot),
                   {std::string(pins_[worst->row]), std::string(pins_[worst->column]),
                    quantity(worst->value, "H"), shortNumber(most, 3),
                    quantity(std::sqrt(diagonal_[worst->row] * diagonal_[worst->column]), "H")});
   }
 
-  void checkCapacitances(const Matrix& matrix, const Spot& head) {
+  void checkCapacitances(const Matrix& matrix) {
     std::vector<double> sums(count(), 0.0);
     const Entry* positive = nullptr;
     std::size_t positives = 0;
@@ -477,7 +484,7 @@ class PackageModelChecker {
       if (rows++ == 0 || sums[i] / diagonal_[i] > sums[worst] / diagonal_[worst]) worst = i;
     }
     if (rows == 0) return;
-    findings_.add(Rule::packageCapacitanceDominance, head,
+    findings_.add(Rule::packageCapacitanceDominance, diagonalSpots_[worst],
                   {std::string(pins_[worst]), shortNumber(100.0 * sums[worst] / diagonal_[worst]),
                    rows > 1 ? " (" + std::to_string(rows) + " rows)" : ""});
   }
@@ -493,6 +500,7 @@ class PackageModelChecker {
   std::vector<Matrix> matrices_;
   std::uint32_t lastRow_ = 0;
   std::vector<double> diagonal_;
+  std::vector<Spot> diagonalSpots_;  // of the matrix, so that its findings are found by it
 };
 
 class PackageChecker {
@@ -542,14 +550,15 @@ class PackageChecker {
 
   void checkValue(const PackageLimit& limit, const Triple& value, const std::string& owner) {
     const std::string label(limit.name);
-    for (const double each : value.at) {
+    for (std::size_t c = 0; c < corners; ++c) {
+      const double each = value.at[c];
       if (each < 0.0) {
-        findings_.add(Rule::packageNegative, value.spot, {label, quantity(each, limit.unit)});
+        findings_.add(Rule::packageNegative, value.spots[c], {label, quantity(each, limit.unit)});
         return;
       }
       const bool isSmall = each < limit.least && each != 0.0;
       if (!(each > limit.most) && !isSmall) continue;
-      findings_.add(Rule::packageImplausible, value.spot,
+      findings_.add(Rule::packageImplausible, value.spots[c],
                     {label, quantity(each, limit.unit), std::string(limit.plausible)});
       return;
     }
@@ -561,7 +570,7 @@ class PackageChecker {
                     {label, quantity(value.at[typ], limit.unit), quantity(low, limit.unit),
                      quantity(high, limit.unit)});
     } else if (low > high) {
-      findings_.add(Rule::modelMinAboveMax, value.spot,
+      findings_.add(Rule::modelMinAboveMax, value.spots[min],
                     {label, owner, quantity(low, limit.unit), quantity(high, limit.unit)});
     }
   }

@@ -174,6 +174,7 @@ class ValueReader {
       if (&word == capital) {
         tellCapital(line, word, block, label);
       }
+      triple.spots[count] = view_.spotOf(line, word, block);
       triple.at[count++] = number(line, word, block, [&] { return label; });
     }
     if (count == 0) {

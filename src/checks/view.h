@@ -28,7 +28,8 @@ inline constexpr std::string_view cornerNames[corners] = {"typ", "min", "max"};
 struct Triple {
   bool given = false;
   double at[corners] = {notGiven, notGiven, notGiven};
-  Spot spot = {};
+  Spot spot = {};            ///< Of the first value.
+  Spot spots[corners] = {};  ///< Of each value.
 
   /// The corner's value, or typ where it has none.
   double corner(std::size_t c) const { return at[c] == at[c] ? at[c] : at[typ]; }
