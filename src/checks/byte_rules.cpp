@@ -92,6 +92,14 @@ bool isOdd(char c) {
   return byte > 126 || (byte < 32 && c != '\t' && c != '\f' && c != '\r');
 }
 
+// A bit for each byte of a word that equals one.
+std::uint64_t equalBytes(std::uint64_t word, char byte) {
+  constexpr std::uint64_t ones = 0x0101010101010101U;
+  constexpr std::uint64_t rest = 0x7f7f7f7f7f7f7f7fU;
+  const std::uint64_t other = word ^ (ones * static_cast<unsigned char>(byte));
+  return ~(((other & rest) + rest) | other | rest);
+}
+
 // Whether any line may hold such a byte; most words of a text need no look at their bytes.
 bool mayBeOdd(std::string_view text) {
   constexpr std::uint64_t ones = 0x0101010101010101U;
@@ -103,8 +111,10 @@ bool mayBeOdd(std::string_view text) {
     std::memcpy(&word, text.data() + i, sizeof word);
     const std::uint64_t low = (word - ones * 32U) & ~word;
     const std::uint64_t high = word | (word + ones);  // 127 and more
-    if (((low | high) & tops) == 0) continue;
-    if (std::ranges::any_of(text.substr(i, sizeof word), isOddByte)) return true;
+    std::uint64_t odd = (low | high) & tops;
+    if (odd == 0) continue;
+    for (const char plain : {'\n', '\r', '\t', '\f'}) odd &= ~equalBytes(word, plain);
+    if (odd != 0 && std::ranges::any_of(text.substr(i, sizeof word), isOddByte)) return true;
   }
   return std::ranges::any_of(text.substr(i), isOddByte);
 }

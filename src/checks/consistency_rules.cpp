@@ -1,6 +1,7 @@
 // The rules that hold a model's data against each other.
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 
@@ -10,6 +11,7 @@
 namespace ibis::checks {
 namespace {
 
+const double closeRamp = std::log(1.25);
 constexpr double infinite = std::numeric_limits<double>::infinity();
 constexpr std::string_view edgeWords[] = {"dV/dt_r", "dV/dt_f"};
 
@@ -176,16 +178,16 @@ class ConsistencyChecker {
     std::size_t worstEdge = 0;
     std::size_t worstCorner = typ;
     for (std::size_t c = 0; c < corners; ++c) {
-      const std::vector<double> swings = swingsOf(c);
+      const std::array<double, 2> factors = rampFactors(c);
       for (std::size_t edge = 0; edge < 2; ++edge) {
-        const double factor = rampFactor(model_->edges[edge].dv[c], swings);
+        const double factor = factors[edge];
         if (!(factor > worst)) continue;
         worst = factor;
         worstEdge = edge;
         worstCorner = c;
       }
     }
-    if (!(worst > std::log(1.25))) return;
+    if (!(worst > closeRamp)) return;
     const RampEdge& edge = model_->edges[worstEdge];
     const double expected = swingInto(loadEnd(worstEdge, worstCorner), load(), worstCorner);
     Finding& told = findings_.add(
@@ -195,25 +197,26 @@ class ConsistencyChecker {
     weigh(told, worst <= std::log(1.4));
   }
 
-  // The swings into the loads that makers use; the ends of the load are among them.
-  std::vector<double> swingsOf(std::size_t c) const {
-    std::vector<double> swings;
-    if (!current(false, c) || !current(true, c)) return swings;
+  // How far dV of both edges is from the best of the swings into the loads that makers use, as a
+  // logarithm; the ends of the load are among these, and 0 stands for no verdict.
+  std::array<double, 2> rampFactors(std::size_t c) const {
+    std::array<double, 2> best = {0.0, 0.0};
+    if (!current(false, c) || !current(true, c)) return best;
     const double low = model_->pulldownReference(c);
     const double high = model_->pullupReference(c);
-    for (const double voltage : {model_->single("Vref").value, high, low, (high + low) / 2}) {
+    bool isFirst = true;
+    for (const double voltage : {high, low, model_->single("Vref").value, (high + low) / 2}) {
       if (std::isnan(voltage)) continue;
       const double swing = std::abs(swingInto(voltage, load(), c));
-      if (swing > 1e-3) swings.push_back(swing);
+      if (!(swing > 1e-3)) continue;
+      for (std::size_t edge = 0; edge < 2; ++edge) {
+        const double dv = model_->edges[edge].dv[c];
+        const double factor = dv > 0.0 ? std::abs(std::log(dv / swing)) : 0.0;
+        best[edge] = isFirst ? factor : std::min(best[edge], factor);
+      }
+      isFirst = false;
+      if (std::max(best[0], best[1]) <= closeRamp) break;
     }
-    return swings;
-  }
-
-  // How far dV is from the best of all swings, as a logarithm; 0 without verdict.
-  static double rampFactor(double dv, const std::vector<double>& swings) {
-    if (!(dv > 0.0) || swings.empty()) return 0.0;
-    double best = infinite;
-    for (const double swing : swings) best = std::min(best, std::abs(std::log(dv / swing)));
     return best;
   }
 

@@ -2,8 +2,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace ibis::checks {
+namespace {
+
+constexpr double infinite = std::numeric_limits<double>::infinity();
+
+}  // namespace
 
 double Curve::at(double place) const {
   const auto above = std::upper_bound(x.begin(), x.end(), place);
@@ -14,6 +20,11 @@ double Curve::at(double place) const {
 }
 
 Curve curveOf(const Rows& rows, std::size_t corner) {
+  const std::vector<double>& column = rows.y[corner];
+  if (rows.rises && rows.isWhole[corner]) return {rows.x, column};
+  if (rows.falls && rows.isWhole[corner]) {
+    return {{rows.x.rbegin(), rows.x.rend()}, {column.rbegin(), column.rend()}};
+  }
   Curve curve;
   const std::size_t count = rows.size();
   const bool falls = count > 1 && rows.x.front() > rows.x.back();
@@ -21,7 +32,7 @@ Curve curveOf(const Rows& rows, std::size_t corner) {
   curve.y.reserve(count);
   for (std::size_t i = 0; i < count; ++i) {
     const std::size_t row = falls ? count - 1 - i : i;
-    const double value = rows.y[corner][row];
+    const double value = column[row];
     const double place = rows.x[row];
     if (!std::isfinite(value) || !std::isfinite(place)) continue;
     if (!curve.x.empty() && place <= curve.x.back()) continue;
@@ -93,13 +104,16 @@ void PadCurrent::collectBreaks() {
 void PadCurrent::addCurrents(const Term& term) {
   const std::vector<double>& x = term.curve->x;
   const std::vector<double>& y = term.curve->y;
+  const auto slopeTo = [&](std::size_t i) { return (y[i] - y[i - 1]) / (x[i] - x[i - 1]); };
   std::size_t upper = 1;
+  double slope = slopeTo(upper);
   for (std::size_t i = 0; i < breaks_.size(); ++i) {
     const std::size_t place = term.isInverted ? breaks_.size() - 1 - i : i;
     const double own =
         term.isInverted ? term.reference - breaks_[place] : breaks_[place] - term.reference;
+    const std::size_t before = upper;
     while (upper + 1 < x.size() && x[upper] <= own) ++upper;
-    const double slope = (y[upper] - y[upper - 1]) / (x[upper] - x[upper - 1]);
+    if (upper != before) slope = slopeTo(upper);
     currents_[place] += y[upper - 1] + slope * (own - x[upper - 1]);
   }
 }
@@ -112,27 +126,42 @@ double PadCurrent::at(double pad) const {
   return sum;
 }
 
+// The sum of currents is one line between neighbouring breaks, so that each piece is solved
+// exactly; pieces are looked at from the expected voltage outwards, until none can be nearer.
 double PadCurrent::settled(double loadVoltage, double load, double expected) const {
   if (breaks_.empty()) return loadVoltage;
   constexpr double beyond = 10.0;
+  const std::size_t last = breaks_.size() + 1;
   const double span = breaks_.back() - breaks_.front();
+  const auto place = [&](std::size_t i) {
+    if (i == 0) return std::min(breaks_.front(), loadVoltage) - span - beyond;
+    return i < last ? breaks_[i - 1] : std::max(breaks_.back(), loadVoltage) + span + beyond;
+  };
+  const auto excess = [&](std::size_t i) {
+    const double current = i == 0 || i == last ? at(place(i)) : currents_[i - 1];
+    return current * load - (loadVoltage - place(i));
+  };
   double best = notGiven;
   const auto take = [&](double root) {
     if (std::isnan(best) || std::abs(root - expected) < std::abs(best - expected)) best = root;
   };
-  double a = std::min(breaks_.front(), loadVoltage) - span - beyond;
-  double ga = at(a) - (loadVoltage - a) / load;
-  const auto step = [&](double b, double current) {
-    const double gb = current - (loadVoltage - b) / load;
-    if (ga == 0.0) take(a);
-    if ((ga < 0.0 && gb > 0.0) || (ga > 0.0 && gb < 0.0)) take(a - ga * (b - a) / (gb - ga));
-    a = b;
-    ga = gb;
+  const auto look = [&](std::size_t i) {
+    const double a = excess(i);
+    const double b = excess(i + 1);
+    if (a == 0.0) take(place(i));
+    if (b == 0.0) take(place(i + 1));
+    if (a * b < 0.0) take(place(i) - a * (place(i + 1) - place(i)) / (b - a));
   };
-  for (std::size_t i = 0; i < breaks_.size(); ++i) step(breaks_[i], currents_[i]);
-  const double end = std::max(breaks_.back(), loadVoltage) + span + beyond;
-  step(end, at(end));
-  if (ga == 0.0) take(a);
+  const auto above = std::ranges::upper_bound(breaks_, expected);
+  std::size_t right = static_cast<std::size_t>(above - breaks_.begin());
+  std::size_t left = right;
+  look(right);
+  while (left > 0 || right + 1 < last) {
+    const double toLeft = left > 0 ? expected - place(left) : infinite;
+    const double toRight = right + 1 < last ? place(right + 1) - expected : infinite;
+    if (std::min(toLeft, toRight) >= std::abs(best - expected)) break;
+    look(toLeft < toRight ? --left : ++right);
+  }
   return best;
 }
 

@@ -37,6 +37,8 @@ struct ModelCurves {
 };
 
 /// The current into the pad of a model in one state at one corner.
+///
+/// It is no device of the analysis: a model here may lack tables, and rules ask for the breaks too.
 class PadCurrent {
  public:
   /// Empty if a table that takes part lacks its reference or this corner. In the state that an

@@ -20,6 +20,7 @@ constexpr std::string_view smallScaleLetters = "PNUK";
 constexpr double missing = std::numeric_limits<double>::quiet_NaN();
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\r'; }
 bool isLetter(char c) { return upperCase(c) >= 'A' && upperCase(c) <= 'Z'; }
 
 bool isUnit(std::string_view text) {
@@ -35,7 +36,7 @@ bool isCleanRest(std::string_view text) {
 }
 
 NumberFault faultOfTail(std::string_view tail) {
-  if (tail.empty()) return NumberFault::none;
+  if (tail.empty() || tail == "V" || tail == "A") return NumberFault::none;  // nearly all
   if (tail[0] == ',' && tail.size() > 1 && isDigit(tail[1])) return NumberFault::decimalComma;
   const bool hasScale = scaleLetters.find(tail[0]) != tail.npos;
   if (hasScale && isCleanRest(tail.substr(1))) return NumberFault::none;
@@ -44,6 +45,12 @@ NumberFault faultOfTail(std::string_view tail) {
   if (isSmallScale && (tail.size() == 1 || isUnit(tail.substr(1)))) return NumberFault::suffixCase;
   return std::ranges::any_of(tail, isDigit) ? NumberFault::digitInSuffix
                                             : NumberFault::unknownSuffix;
+}
+
+NumberWord withTail(double value, std::string_view tail) {
+  const std::size_t scale = scaleLetters.find(tail[0]);
+  const double factor = scale == scaleLetters.npos ? 1.0 : scaleFactors[scale];
+  return {.value = value * factor, .fault = faultOfTail(tail), .tail = tail};
 }
 
 bool startsAsNumber(std::string_view word) {
@@ -60,21 +67,32 @@ bool isHexadecimal(std::string_view word) {
 }  // namespace
 
 NumberWord readNumberWord(std::string_view word) {
-  if (!startsAsNumber(word)) {
-    if (equalIgnoringCase(word, notAvailable)) {
-      return {.value = missing, .fault = NumberFault::notAvailable};
-    }
-    return {.value = missing, .fault = NumberFault::notANumber, .tail = word};
-  }
-  const NumberPrefix number = readNumber(word);
-  if (isHexadecimal(word)) {
-    return {.value = missing, .fault = NumberFault::notANumber, .tail = word};
-  }
-  if (number.length == word.size()) return {.value = number.value};
-  const std::string_view tail = word.substr(number.length);
-  const std::size_t scale = scaleLetters.find(tail[0]);
-  const double factor = scale == scaleLetters.npos ? 1.0 : scaleFactors[scale];
-  return {.value = number.value * factor, .fault = faultOfTail(tail), .tail = tail};
+  std::size_t length = 0;
+  return takeNumberWord(word, length);
+}
+
+NumberWord takeNumberWord(std::string_view text, std::size_t& length) {
+  const bool isNumber = startsAsNumber(text) && !isHexadecimal(text);
+  const NumberPrefix number = isNumber ? readNumber(text) : NumberPrefix();
+  length = number.length;
+  while (length < text.size() && !isBlank(text[length])) ++length;
+  const std::string_view word = text.substr(0, length);
+  if (isNumber && length == number.length) return {.value = number.value};
+  if (isNumber) return withTail(number.value, word.substr(number.length));
+  const bool isNA = equalIgnoringCase(word, notAvailable);
+  return {.value = missing,
+          .fault = isNA ? NumberFault::notAvailable : NumberFault::notANumber,
+          .tail = isNA ? std::string_view() : word};
+}
+
+std::size_t plainNumber(std::string_view text, double& value) {
+  if (!startsAsNumber(text) || isHexadecimal(text)) return 0;
+  const NumberPrefix number = readNumber(text);
+  std::size_t length = number.length;
+  if (length < text.size() && (text[length] == 'V' || text[length] == 'A')) ++length;
+  if (length < text.size() && !isBlank(text[length])) return 0;
+  value = number.value;
+  return length;
 }
 
 bool isUnitWord(std::string_view word) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -25,6 +26,14 @@ struct NumberWord {
 };
 
 NumberWord readNumberWord(std::string_view word);
+
+/// Reads the word that a text begins with, and tells its length.
+NumberWord takeNumberWord(std::string_view text, std::size_t& length);
+
+/// Reads a number that a text begins with, bare or with a V or an A; gives the length of its word.
+///
+/// Gives 0 for every other word, and then leaves the value alone.
+std::size_t plainNumber(std::string_view text, double& value);
 
 /// Whether a word is a unit alone, such as V, pF or mOhm.
 bool isUnitWord(std::string_view word);

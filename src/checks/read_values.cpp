@@ -131,10 +131,11 @@ class ValueReader {
   }
 
   // A unit behind the last value shifts nothing.
-  void tellDetached(const SourceLine& line, const Word& word, Words words, std::uint32_t block,
+  void tellDetached(const SourceLine& line, std::size_t index, Words words, std::uint32_t block,
                     const std::string& label, std::span<const std::string_view> columns) {
     if (!isCounted()) return;
-    const bool isLast = static_cast<std::size_t>(&word - words.data()) >= columns.size();
+    const Word& word = words[index];
+    const bool isLast = index >= columns.size();
     const auto begin = static_cast<std::size_t>(words.front().column) - 1;
     const std::size_t end =
         static_cast<std::size_t>(words.back().column) - 1 + words.back().text.size();
@@ -165,7 +166,8 @@ class ValueReader {
     const auto capital = milliInCapitals(words);
     for (const Word& word : words) {
       if (count > 0 && isUnitWord(word.text)) {
-        tellDetached(line, word, words, block, label, cornerNames);
+        tellDetached(line, static_cast<std::size_t>(&word - words.data()), words, block, label,
+                     cornerNames);
         hasDetached = true;
         continue;
       }
@@ -226,7 +228,7 @@ class ValueReader {
     Single value{.given = true, .word = words[0].text, .spot = view_.spotOf(line, words[0], block)};
     value.value = number(line, words[0], block, [&] { return label; });
     if (words.size() > 1 && isUnitWord(words[1].text)) {
-      tellDetached(line, words[1], words, block, label, std::span(cornerNames).first(1));
+      tellDetached(line, 1, words, block, label, std::span(cornerNames).first(1));
     }
     return value;
   }
@@ -591,20 +593,54 @@ class ValueReader {
     for (auto& column : rows.y) column.reserve(count);
   }
 
-  // Nearly every row is four sound numbers.
+  static void skipBlanks(std::string_view& text) {
+    while (!text.empty() && (text[0] == ' ' || text[0] == '\t' || text[0] == '\r')) {
+      text.remove_prefix(1);
+    }
+  }
+
   void readRow(Rows& rows, const SourceLine& line) {
-    const Words words = view_.syntax.words(line);
-    if (words.empty()) return;
     double values[1 + corners] = {notGiven, notGiven, notGiven, notGiven};
+    if (!readPlainRow(line.text, values)) readOddRow(rows, line, values);
+    rows.lines.push_back(static_cast<std::uint32_t>(&line - view_.syntax.lines().data()));
+    const bool isFirst = rows.x.empty();
+    rows.rises = rows.rises && (isFirst ? !std::isnan(values[0]) : values[0] > rows.x.back());
+    rows.falls = rows.falls && (isFirst ? !std::isnan(values[0]) : values[0] < rows.x.back());
+    rows.x.push_back(values[0]);
+    for (std::size_t c = 0; c < corners; ++c) {
+      rows.y[c].push_back(values[1 + c]);
+      rows.isWhole[c] = rows.isWhole[c] && std::isfinite(values[1 + c]);
+    }
+  }
+
+  // Nearly every row is four numbers, bare or with a V or an A, and has nothing to tell of.
+  static bool readPlainRow(std::string_view text, double (&values)[1 + corners]) {
+    for (double& value : values) {
+      skipBlanks(text);
+      const std::size_t length = plainNumber(text, value);
+      if (length == 0) return false;
+      text.remove_prefix(length);
+    }
+    return true;
+  }
+
+  void readOddRow(Rows& rows, const SourceLine& line, double (&values)[1 + corners]) {
+    std::ranges::fill(values, notGiven);
     bool hasDetached = false;
     std::size_t count = 0;
-    for (const Word& word : words) {
-      if (count == 1 + corners) break;
-      const NumberWord read = readNumberWord(word.text);
+    std::size_t index = 0;
+    std::string_view rest = line.text;
+    for (skipBlanks(rest); count < 1 + corners && !rest.empty(); skipBlanks(rest)) {
+      std::size_t length = 0;
+      const NumberWord read = takeNumberWord(rest, length);
+      const auto column = static_cast<std::int32_t>(rest.data() - line.whole.data()) + 1;
+      const Word word{.text = rest.substr(0, length), .column = column};
+      rest.remove_prefix(length);
+      ++index;
       if (read.fault > NumberFault::notAvailable) {
         if (count > 0 && isUnitWord(word.text)) {
-          tellDetached(line, word, words, rows.block, view_.nameOf(view_.block(rows.block)),
-                       columnNames(rows));
+          tellDetached(line, index - 1, splitRow(line), rows.block,
+                       view_.nameOf(view_.block(rows.block)), columnNames(rows));
           rows.isSound = false;
           hasDetached = true;
           continue;
@@ -615,9 +651,6 @@ class ValueReader {
       values[count++] = read.value;
     }
     if (count < 1 + corners && !hasDetached) tellShortRow(rows, line, count);
-    rows.x.push_back(values[0]);
-    for (std::size_t c = 0; c < corners; ++c) rows.y[c].push_back(values[1 + c]);
-    rows.lines.push_back(static_cast<std::uint32_t>(&line - view_.syntax.lines().data()));
   }
 
   void tellCell(Rows& rows, const NumberWord& read, const SourceLine& line, const Word& word,
@@ -643,13 +676,13 @@ class ValueReader {
   void noteMilli(const SourceLine& line, const Word& word, std::string_view tail,
                  std::size_t column) {
     if (tail[0] == 'm') hasMilli_ = true;
-    if (tail[0] != 'M' || capital_.word != nullptr || !maySayMilli(tail)) return;
-    capital_ = {.line = &line, .word = &word, .column = column};
+    if (tail[0] != 'M' || capital_.line != nullptr || !maySayMilli(tail)) return;
+    capital_ = {.line = &line, .word = word, .column = column};
   }
 
   void tellMilli(Rows& rows) {
-    if (hasMilli_ && capital_.word != nullptr) {
-      tellCapital(*capital_.line, *capital_.word, rows.block, cellLabel(rows, capital_.column));
+    if (hasMilli_ && capital_.line != nullptr) {
+      tellCapital(*capital_.line, capital_.word, rows.block, cellLabel(rows, capital_.column));
       rows.isSound = false;
     }
     hasMilli_ = false;
@@ -662,7 +695,7 @@ class ValueReader {
     const double above = column == 0 ? rows.x.back() : rows.y[column - 1].back();
     const SourceLine* const next = &line + 1;
     if (next == view_.syntax.lines().data() + view_.syntax.lines().size()) return {};
-    const Words words = view_.syntax.words(*next);
+    const std::vector<Word> words = splitRow(*next);
     if (column >= words.size()) return {};
     const double below = readNumberWord(words[column].text).value;
     if (std::isnan(above) || std::isnan(below)) return {};
@@ -689,8 +722,7 @@ class ValueReader {
     reserve(waveform.rows, block.lineCount);
     for (const SourceLine& line : view_.syntax.linesOf(block)) {
       const Words words = view_.syntax.words(line);
-      if (words.empty()) continue;
-      if (waveform.rows.x.empty() && !startsAsValue(words[0].text)) {
+      if (waveform.rows.x.empty() && !words.empty() && !startsAsValue(words[0].text)) {
         readFixture(waveform, line, words);
       } else {
         readRow(waveform.rows, line);
@@ -753,7 +785,7 @@ class ValueReader {
 
   struct Cell {
     const SourceLine* line = nullptr;
-    const Word* word = nullptr;
+    Word word = {};
     std::size_t column = 0;
   };
 

@@ -36,7 +36,7 @@ class TableChecker {
 
   Spot cell(const Rows& rows, std::size_t row, std::size_t column) const {
     const SourceLine& line = view_.syntax.lines()[rows.lines[row]];
-    const auto words = view_.syntax.words(line);
+    const std::vector<Word> words = splitRow(line);
     return column < words.size() ? view_.spotOf(line, words[column], rows.block)
                                  : view_.spotOf(line, rows.block);
   }

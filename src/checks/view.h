@@ -48,8 +48,11 @@ struct Rows {
   std::uint32_t block = Spot::nowhere;
   std::vector<double> x = {};
   std::vector<double> y[corners] = {};
-  std::vector<std::uint32_t> lines = {};  ///< Index of each row's line.
-  bool isSound = true;                    ///< Whether each number could be read.
+  std::vector<std::uint32_t> lines = {};       ///< Index of each row's line.
+  bool isSound = true;                         ///< Whether each number could be read.
+  bool rises = true;                           ///< Whether x is given and strictly rises.
+  bool falls = true;                           ///< Whether x is given and strictly falls.
+  bool isWhole[corners] = {true, true, true};  ///< Whether each cell of a column is given.
 
   bool given() const { return block != Spot::nowhere; }
   std::size_t size() const { return x.size(); }

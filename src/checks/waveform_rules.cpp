@@ -59,7 +59,7 @@ class WaveformChecker {
 
   Spot cell(std::size_t row, std::size_t column) const {
     const SourceLine& line = view_.syntax.lines()[waveform_->rows.lines[row]];
-    const auto words = view_.syntax.words(line);
+    const std::vector<Word> words = splitRow(line);
     return column < words.size() ? view_.spotOf(line, words[column], waveform_->rows.block)
                                  : view_.spotOf(line, waveform_->rows.block);
   }

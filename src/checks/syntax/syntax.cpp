@@ -13,6 +13,8 @@ constexpr std::string_view allowedCommentChars = "!\"#$%&'()*,:;<>?@\\^`{|}~";
 
 bool isBlank(char c) { return c == ' ' || c == '\t'; }
 
+bool isLetter(char c) { return upperCase(c) >= 'A' && upperCase(c) <= 'Z'; }
+
 std::string_view trimmed(std::string_view text) {
   while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
   while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
@@ -89,7 +91,10 @@ void Syntax::takeData(SourceLine line) {
                               ? Content::rows
                               : blocks_.back().keyword->content;
   if (blocks_.empty()) ++facts_.textBeforeKeyword;
-  if (content != Content::text) {
+  const std::size_t first = line.text.find_first_not_of(" \t");
+  const bool isRow =
+      content == Content::table || (content == Content::waveform && !isLetter(line.text[first]));
+  if (content != Content::text && !isRow) {
     splitWords(line, 0, content == Content::parameters || content == Content::waveform);
   }
   lines_.push_back(line);
@@ -168,6 +173,19 @@ void Syntax::readCommentChar(const SourceLine& line, std::size_t behind) {
       isAllowed && equalIgnoringCase(tail.substr(0, tail.find_first_of(" \t")), "_char");
   if (change.isValid) change.sign = commentChar_ = argument[0];
   commentChanges_.push_back(change);
+}
+
+std::vector<Word> splitRow(const SourceLine& line) {
+  std::vector<Word> words;
+  const auto blanks = std::string_view(" \t\r");
+  std::size_t begin = line.text.find_first_not_of(blanks);
+  while (begin < line.text.size()) {
+    const std::size_t end = std::min(line.text.find_first_of(blanks, begin), line.text.size());
+    words.push_back({.text = line.text.substr(begin, end - begin),
+                     .column = static_cast<std::int32_t>(begin) + 1});
+    begin = line.text.find_first_not_of(blanks, end);
+  }
+  return words;
 }
 
 void Syntax::splitWords(SourceLine& line, std::size_t from, bool splitsAtEqual) {

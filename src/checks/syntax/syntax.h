@@ -21,8 +21,11 @@ struct SourceLine {
   std::string_view text;   ///< Without its comment either.
   std::int32_t number = 0;
   std::uint32_t firstWord = 0;  ///< A keyword line begins behind its bracket.
-  std::uint32_t wordCount = 0;
+  std::uint32_t wordCount = 0;  ///< None for a row of a table or a waveform.
 };
+
+/// The words of a row, cut anew.
+std::vector<Word> splitRow(const SourceLine& line);
 
 /// A keyword with its line and the lines below it.
 struct Block {
@@ -88,6 +91,7 @@ class Syntax {
   const std::vector<Comment>& comments() const { return comments_; }
   const TextFacts& facts() const { return facts_; }
 
+  /// The words of a line; rows of tables and waveforms, most lines of most files, keep none.
   std::span<const Word> words(const SourceLine& line) const {
     return std::span(words_).subspan(line.firstWord, line.wordCount);
   }
