@@ -145,22 +145,29 @@ double PadCurrent::settled(double loadVoltage, double load, double expected) con
   const auto take = [&](double root) {
     if (std::isnan(best) || std::abs(root - expected) < std::abs(best - expected)) best = root;
   };
-  const auto look = [&](std::size_t i) {
-    const double a = excess(i);
-    const double b = excess(i + 1);
-    if (a == 0.0) take(place(i));
-    if (b == 0.0) take(place(i + 1));
-    if (a * b < 0.0) take(place(i) - a * (place(i + 1) - place(i)) / (b - a));
+  struct Point {
+    double x, y;
+  };
+  const auto pointAt = [&](std::size_t i) { return Point{place(i), excess(i)}; };
+  const auto look = [&](const Point& a, const Point& b) {
+    if (a.y == 0.0) take(a.x);
+    if (b.y == 0.0) take(b.x);
+    if (a.y * b.y < 0.0) take(a.x - a.y * (b.x - a.x) / (b.y - a.y));
   };
   const auto above = std::ranges::upper_bound(breaks_, expected);
-  std::size_t right = static_cast<std::size_t>(above - breaks_.begin());
-  std::size_t left = right;
-  look(right);
-  while (left > 0 || right + 1 < last) {
-    const double toLeft = left > 0 ? expected - place(left) : infinite;
-    const double toRight = right + 1 < last ? place(right + 1) - expected : infinite;
+  std::size_t left = static_cast<std::size_t>(above - breaks_.begin());
+  std::size_t right = left + 1;
+  Point low = pointAt(left);
+  Point high = pointAt(right);
+  look(low, high);
+  while (left > 0 || right < last) {
+    const double toLeft = left > 0 ? expected - low.x : infinite;
+    const double toRight = right < last ? high.x - expected : infinite;
     if (std::min(toLeft, toRight) >= std::abs(best - expected)) break;
-    look(toLeft < toRight ? --left : ++right);
+    Point& end = toLeft < toRight ? low : high;
+    const Point next = pointAt(toLeft < toRight ? --left : ++right);
+    look(end, next);
+    end = next;
   }
   return best;
 }

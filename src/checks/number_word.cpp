@@ -89,9 +89,12 @@ std::size_t plainNumber(std::string_view text, double& value) {
   if (!startsAsNumber(text) || isHexadecimal(text)) return 0;
   const NumberPrefix number = readNumber(text);
   std::size_t length = number.length;
-  if (length < text.size() && (text[length] == 'V' || text[length] == 'A')) ++length;
-  if (length < text.size() && !isBlank(text[length])) return 0;
-  value = number.value;
+  const auto next = [&] { return length < text.size() ? text[length] : ' '; };
+  const double factor = next() == 'n' ? 1e-9 : next() == 'u' ? 1e-6 : next() == 'p' ? 1e-12 : 1.0;
+  if (factor != 1.0) ++length;
+  if (next() == 'V' || next() == 'A' || next() == 's') ++length;
+  if (!isBlank(next())) return 0;
+  value = number.value * factor;
   return length;
 }
 

@@ -30,9 +30,9 @@ NumberWord readNumberWord(std::string_view word);
 /// Reads the word that a text begins with, and tells its length.
 NumberWord takeNumberWord(std::string_view text, std::size_t& length);
 
-/// Reads a number that a text begins with, bare or with a V or an A; gives the length of its word.
+/// Reads a number that a text begins with, bare or with u, n or p and with V, A or s behind it.
 ///
-/// Gives 0 for every other word, and then leaves the value alone.
+/// Gives the length of its word; gives 0 for every other word, and then leaves the value alone.
 std::size_t plainNumber(std::string_view text, double& value);
 
 /// Whether a word is a unit alone, such as V, pF or mOhm.

@@ -601,7 +601,7 @@ class ValueReader {
 
   void readRow(Rows& rows, const SourceLine& line) {
     double values[1 + corners] = {notGiven, notGiven, notGiven, notGiven};
-    if (!readPlainRow(line.text, values)) readOddRow(rows, line, values);
+    readCells(rows, line, values);
     rows.lines.push_back(static_cast<std::uint32_t>(&line - view_.syntax.lines().data()));
     const bool isFirst = rows.x.empty();
     rows.rises = rows.rises && (isFirst ? !std::isnan(values[0]) : values[0] > rows.x.back());
@@ -613,25 +613,20 @@ class ValueReader {
     }
   }
 
-  // Nearly every row is four numbers, bare or with a V or an A, and has nothing to tell of.
-  static bool readPlainRow(std::string_view text, double (&values)[1 + corners]) {
-    for (double& value : values) {
-      skipBlanks(text);
-      const std::size_t length = plainNumber(text, value);
-      if (length == 0) return false;
-      text.remove_prefix(length);
-    }
-    return true;
-  }
-
-  void readOddRow(Rows& rows, const SourceLine& line, double (&values)[1 + corners]) {
-    std::ranges::fill(values, notGiven);
+  // Nearly every word is a plain number, which has nothing to tell of.
+  void readCells(Rows& rows, const SourceLine& line, double (&values)[1 + corners]) {
     bool hasDetached = false;
     std::size_t count = 0;
     std::size_t index = 0;
     std::string_view rest = line.text;
     for (skipBlanks(rest); count < 1 + corners && !rest.empty(); skipBlanks(rest)) {
-      std::size_t length = 0;
+      std::size_t length = plainNumber(rest, values[count]);
+      if (length > 0) {
+        rest.remove_prefix(length);
+        ++index;
+        ++count;
+        continue;
+      }
       const NumberWord read = takeNumberWord(rest, length);
       const auto column = static_cast<std::int32_t>(rest.data() - line.whole.data()) + 1;
       const Word word{.text = rest.substr(0, length), .column = column};
