@@ -5,12 +5,14 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdlib>
-#include <filesystem>
 #include <iostream>
 
+#include "check_errors.h"
 #include "check_report.h"
 #include "checks/check.h"
+#include "checks/rules.h"
 #include "exit_status.h"
+#include "input_text.h"
 #include "reader/text/text_buffer.h"
 #include "rule_selection.h"
 #include "source_fault.h"
@@ -18,8 +20,6 @@
 
 namespace ibis::cli {
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr const char* details =
     R"(Each finding is told as FILE:LINE:COLUMN: error|warning|note: TEXT [ID] with its line and
@@ -83,28 +83,19 @@ bool isColored(const std::string& choice) {
   return (off == nullptr || *off == '\0') && isatty(STDERR_FILENO) == 1;
 }
 
-// The package models of the .pkg file beside a file, if there is one.
-std::vector<std::string> packageModelsBeside(const std::string& name) {
-  std::error_code fault;
-  const fs::path path = fs::path(name).replace_extension(".pkg");
-  TextBuffer buffer;
-  if (path == fs::path(name) || !fs::is_regular_file(path, fault)) return {};
-  if (!buffer.loadFile(path.string())) return {};
-  return checks::packageModelsOf(buffer.text());
-}
-
 // A file that cannot be read has its reason for a finding.
 CheckedFile checkFile(const Source& source, const RuleSelection& selection) {
   CheckedFile file{.name = source.name, .text = {}, .diagnostics = {}};
   TextBuffer buffer;
-  if (source.fault || !buffer.loadFile(source.name)) {
-    file.diagnostics.push_back(source.fault ? *source.fault : reasonUnread(source.name));
+  InputText input;
+  if (!source.fault) input = readInputText(source.name);
+  const std::optional<Diagnostic>& fault = source.fault ? source.fault : input.fault;
+  if (fault || (!input.text && !buffer.loadFile(source.name))) {
+    file.diagnostics.push_back(fault ? *fault : reasonUnread(source.name));
     return file;
   }
-  file.text = buffer.text();
-  const checks::CheckOptions options{.fileName = fs::path(source.name).filename().string(),
-                                     .packageModels = packageModelsBeside(source.name)};
-  file.diagnostics = selection.select(checks::check(file.text, options));
+  file.text = input.text ? std::string_view(*input.text) : buffer.text();
+  file.diagnostics = selection.select(checks::check(file.text, checkOptionsOf(source.name)));
   return file;
 }
 
@@ -118,7 +109,9 @@ int statusOf(const std::vector<CheckedFile>& files) {
 
 CLI::App* addCheckCommand(CLI::App& program, CheckCommandOptions& options) {
   CLI::App* command = program.add_subcommand("check", "Check IBIS files, line by line.");
-  command->add_option("FILE", options.sources, "IBIS files, or folders of them")->type_name("");
+  command
+      ->add_option("FILE", options.sources, "IBIS files, folders of them, or - for standard input")
+      ->type_name("");
   command->add_option("-W", options.switches, "all, RULE, GROUP, no-RULE or no-GROUP")
       ->type_name("SWITCH")
       ->allow_extra_args(false);

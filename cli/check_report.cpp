@@ -16,7 +16,6 @@ namespace {
 
 using nlohmann::ordered_json;
 
-constexpr std::size_t toldOfRule = 5;  // findings of a rule in a file
 constexpr std::size_t shownColumns = 200;
 
 struct Colors {

@@ -8,11 +8,13 @@
 #include <system_error>
 
 #include "advice.h"
+#include "check_errors.h"
 #include "host/diagnostics/messages.h"
 #include "host/load_sequence.h"
 #include "input_text.h"
 #include "interruption.h"
 #include "left_out.h"
+#include "limited_sink.h"
 #include "messages.h"
 #include "model/estimate_waveforms.h"
 #include "model_checks.h"
@@ -140,6 +142,9 @@ std::optional<Diagnostic> findObstacle(const Load& load, const ConversionRequest
   }
   for (const std::string& name : names) {
     if (isSource(file, name)) return tell(Severity::error, message::outputIsInput, name.c_str());
+    if (request.inputs && request.inputs->hold(name)) {
+      return tell(Severity::error, message::outputIsOtherInput, name.c_str());
+    }
     if (request.keepsFiles && isThere(name)) {
       return tell(Severity::error, message::outputIsThere, name.c_str());
     }
@@ -158,8 +163,15 @@ std::optional<Diagnostic> write(Load& load, const ConversionRequest& request, Co
   }
   if (!obstacle) obstacle = makeFolder(request.folder);
   if (obstacle) return obstacle;
-  WatchedSink sink;
-  result.files = load.write(sink);
+  WatchedSink files;
+  const std::uint64_t limit =
+      request.isLimited ? usualOutputLimit(load.text().size()) : std::uint64_t{UINT64_MAX};
+  LimitedSink sink(files, limit);
+  try {
+    result.files = load.write(sink);
+  } catch (const OutputTooLarge&) {
+    return tell(Severity::error, message::outputTooLarge, limit);
+  }
   return std::nullopt;
 }
 
@@ -224,6 +236,7 @@ Conversion convertOne(const ConversionRequest& request) {
   Adviser(load.text(), load.file().data()).advise(load.file().data().errors);
   result.warnings = std::move(load.file().data().warnings);
   result.errors = std::move(load.file().data().errors);
+  if (request.isChecked) result.findings = checkErrors(load.text(), request.source, result.errors);
   if (obstacle) result.errors.push_back(std::move(*obstacle));
   warnOfModels(load, result);
   if (request.reading.keepGoing) {
@@ -258,6 +271,7 @@ void append(Conversion& to, Conversion&& from) {
   append(to.files, std::move(from.files));
   append(to.warnings, std::move(from.warnings));
   append(to.errors, std::move(from.errors));
+  append(to.findings, std::move(from.findings));
   append(to.leftOut, std::move(from.leftOut));
   append(to.notes, std::move(from.notes));
 }
@@ -309,7 +323,9 @@ Conversion convert(const ConversionRequest& asked) {
   if (!request.allComponents && request.furtherModes.empty()) return convertOne(request);
   Conversion result;
   for (const ConversionRequest& ofMode : requestPerMode(request)) {
-    for (const ConversionRequest& each : requestPerComponent(ofMode)) {
+    for (ConversionRequest& each : requestPerComponent(ofMode)) {
+      each.isChecked = request.isChecked;
+      request.isChecked = false;  // a file is checked once
       append(result, convertOne(each));
     }
   }

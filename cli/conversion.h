@@ -6,6 +6,7 @@
 
 #include "ibis/diagnostic.h"
 #include "ibis/read_options.h"
+#include "input_files.h"
 #include "left_out.h"
 
 namespace ibis::cli {
@@ -26,6 +27,9 @@ struct ConversionRequest {
   bool allComponents = false;                    ///< Each of the file, in place of one.
   bool keepsFiles = false;                       ///< Replaces no file that is there.
   bool isRehearsal = false;                      ///< Tells what it would write.
+  bool isLimited = true;                         ///< Writes no more than the usual limit of output.
+  bool isChecked = true;                         ///< Tells the errors that a check finds.
+  std::shared_ptr<const InputFiles> inputs = {};  ///< No output replaces one of them.
 };
 
 /// The files and messages of one conversion.
@@ -33,6 +37,8 @@ struct Conversion {
   std::vector<std::string> files;
   std::vector<Diagnostic> warnings;
   std::vector<Diagnostic> errors;
+  std::vector<Diagnostic> findings =
+      {};                             ///< Errors of a check; they keep no file from being written.
   std::vector<LeftOut> leftOut = {};  ///< Only where the request keeps going.
   std::vector<Note> notes = {};       ///< What a person may have overlooked.
 };

@@ -10,11 +10,18 @@ namespace ibis::cli {
 
 ConversionQueue::ConversionQueue(const std::vector<Source>& sources,
                                  const ConversionRequest& pattern, std::size_t threads)
-    : sources_(sources), pattern_(pattern) {
+    : sources_(sources),
+      pattern_(pattern),
+      mostAhead_(aheadOfThread * std::max<std::size_t>(1, threads)) {
   startThreads(std::min(threads, sources.size()));
 }
 
-ConversionQueue::~ConversionQueue() { next_ = sources_.size(); }
+ConversionQueue::~ConversionQueue() {
+  const std::lock_guard lock(mutex_);
+  next_ = sources_.size();
+  isEnding_ = true;
+  room_.notify_all();
+}
 
 std::optional<Conversion> ConversionQueue::take(std::chrono::milliseconds patience) {
   std::unique_lock lock(mutex_);
@@ -23,6 +30,7 @@ std::optional<Conversion> ConversionQueue::take(std::chrono::milliseconds patien
   auto entry = finished_.extract(taken_);
   if (entry.empty()) return std::nullopt;
   ++taken_;
+  room_.notify_all();
   return std::move(entry.mapped());
 }
 
@@ -40,9 +48,17 @@ void ConversionQueue::startThreads(std::size_t count) {
   }
 }
 
+// The results behind a slow file would else pile up.
+bool ConversionQueue::waitForRoom(std::size_t index) {
+  std::unique_lock lock(mutex_);
+  room_.wait(lock, [&] { return isEnding_ || index < taken_ + mostAhead_; });
+  return !isEnding_;
+}
+
 void ConversionQueue::work() {
   try {
     for (std::size_t i = next_++; i < sources_.size(); i = next_++) {
+      if (!waitForRoom(i)) return;
       Conversion result = convertSource(sources_[i]);
       const std::lock_guard lock(mutex_);
       finished_.emplace(i, std::move(result));

@@ -133,6 +133,8 @@ void addFileOptions(CLI::App& command, ConvertOptions& options) {
       ->type_name("DIR")
       ->check(checkFolder)
       ->capture_default_str();
+  command.add_flag("!--no-limit", options.request.isLimited,
+                   "Write output of any size; else 200 bytes for each of the file and 100 MB");
   command.add_flag("--no-clobber", options.request.keepsFiles, "Replace no file that is there");
   command.add_flag("--dry-run", options.request.isRehearsal, "Write nothing, tell what would be");
 }
@@ -167,6 +169,12 @@ void addReadingOptions(CLI::App& command, ConvertOptions& options) {
 }
 
 void addReportOptions(CLI::App& command, ConvertOptions& options) {
+  command.add_flag("!--no-check", options.request.isChecked,
+                   "Do not tell the errors that the command check finds");
+  command.add_option("--max-messages", options.mostMessages, "Messages told of a file; 0 for all")
+      ->type_name("N")
+      ->check(CLI::Range(0, 1'000'000'000))
+      ->capture_default_str();
   command.add_flag("--json", options.asJson, "Report as JSON on standard output");
   command.add_flag("-q,--quiet", options.isQuiet,
                    "No progress, and no standard output but that of --json");
@@ -216,7 +224,7 @@ void dropSigns(std::vector<std::string>& pins) {
 int convertOneFile(const ConvertOptions& options) {
   const Conversion conversion = convert(options.request);
   const int status = exitStatusOf(conversion, options.warningsFail);
-  std::cerr << messageText(options.request.source, conversion);
+  printMessages(std::cerr, options.request.source, conversion, options.messageLimit());
   if (options.asJson) {
     printJson(std::cout, conversion, status);
   } else if (!options.isQuiet) {

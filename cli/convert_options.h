@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,9 @@ struct ConvertOptions {
   bool asJson = false;
   bool isQuiet = false;
   bool warningsFail = false;
+  std::size_t mostMessages = 1000;  ///< Printed of a file; 0 for all.
+
+  std::size_t messageLimit() const { return mostMessages == 0 ? SIZE_MAX : mostMessages; }
 };
 
 }  // namespace ibis::cli

@@ -172,7 +172,7 @@ int runExport(const ExportOptions& options) {
   const Export result = exportFile(options.request);
   const Conversion report{result.files, result.warnings, result.errors};
   const int status = exitStatusOf(report, options.warningsFail);
-  std::cerr << messageText(options.request.source, report);
+  printMessages(std::cerr, options.request.source, report);
   if (options.asJson) {
     printJson(result, status);
   } else if (!options.isQuiet) {

@@ -1,23 +1,16 @@
 #pragma once
 
-#include <memory>
-#include <optional>
 #include <string>
 
-#include "ibis/diagnostic.h"
+#include "packed_input.h"
 
 namespace ibis::cli {
 
 /// The name that stands for standard input.
 inline constexpr const char* standardInput = "-";
 
-/// The text of a source that no load can read by itself.
-struct InputText {
-  std::shared_ptr<const std::string> text;  ///< Null for any other source.
-  std::optional<Diagnostic> fault;          ///< Why there is no text.
-};
-
-/// Reads standard input for its name, and unpacks gzip data from there or from a file.
+/// Reads standard input for its name, unpacks gzip data from there or from a file, and a member of
+/// a zip archive for its name, ARCHIVE/MEMBER.
 InputText readInputText(const std::string& source);
 
 }  // namespace ibis::cli

@@ -5,10 +5,10 @@
 
 namespace ibis::cli {
 
-/// The value without line ends; bytes that are not UTF-8 become U+FFFD.
+/// The value in ASCII without line ends; bytes that are not UTF-8 become U+FFFD.
 template <class Json>
 std::string jsonText(const Json& value) {
-  return value.dump(-1, ' ', false, Json::error_handler_t::replace);
+  return value.dump(-1, ' ', true, Json::error_handler_t::replace);
 }
 
 /// The value on one line.

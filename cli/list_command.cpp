@@ -59,7 +59,7 @@ class Listing {
   void add(const Source& source) {
     const TolerantReading reading = readSource(source);
     if (!reading.errors.empty()) status_ = exitStatus::failed;
-    std::cerr << messageText(source.name, reading.errors);
+    printMessages(std::cerr, source.name, reading.errors);
     if (asJson_) {
       std::cout << (isArray_ ? isFirst_ ? "[" : ",\n" : "")
                 << jsonText(fileJson(source.name, reading));

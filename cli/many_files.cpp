@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <iostream>
+#include <memory>
+#include <new>
 
 #include "conversion_queue.h"
 #include "exit_status.h"
@@ -21,14 +23,13 @@ class RunningReport {
  public:
   explicit RunningReport(const ConvertOptions& options) : options_(options) {}
 
+  // A result too large to be printed is its own file's fault.
   void add(const Source& source, const Conversion& conversion, Progress& progress) {
-    const int status = exitStatusOf(conversion, options_.warningsFail);
-    if (status != exitStatus::done) status_ = status;
-    printMessages(messageText(source.name, conversion), progress);
-    if (options_.asJson) {
-      json_.add(std::cout, source.name, conversion, status);
-    } else if (!options_.isQuiet) {
-      table_.add(source, conversion, status);
+    try {
+      print(source, conversion, progress);
+    } catch (const std::bad_alloc&) {
+      status_ = exitStatus::failed;
+      std::cerr << source.name << ": error: out of memory while its messages were printed\n";
     }
   }
 
@@ -42,10 +43,16 @@ class RunningReport {
   }
 
  private:
-  static void printMessages(const std::string& text, Progress& progress) {
-    if (text.empty()) return;
+  void print(const Source& source, const Conversion& conversion, Progress& progress) {
+    const int status = exitStatusOf(conversion, options_.warningsFail);
+    if (status != exitStatus::done) status_ = status;
     progress.wipe();
-    std::cerr << text;
+    printMessages(std::cerr, source.name, conversion, options_.messageLimit());
+    if (options_.asJson) {
+      json_.add(std::cout, source.name, conversion, status);
+    } else if (!options_.isQuiet) {
+      table_.add(source, conversion, status);
+    }
   }
 
   const ConvertOptions& options_;
@@ -54,11 +61,11 @@ class RunningReport {
   int status_ = exitStatus::done;
 };
 
-void convertAll(const std::vector<Source>& sources, const ConvertOptions& options,
-                RunningReport& report) {
+void convertAll(const std::vector<Source>& sources, const ConversionRequest& request,
+                const ConvertOptions& options, RunningReport& report) {
   Progress progress(sources.size(), !options.isQuiet);
   progress.show(0, sources.front().name);
-  ConversionQueue queue(sources, options.request, threadCount(options.jobs));
+  ConversionQueue queue(sources, request, threadCount(options.jobs));
   for (const Source& source : sources) {
     auto conversion = queue.take(Progress::interval);
     for (; !conversion; conversion = queue.take(Progress::interval)) {
@@ -73,8 +80,12 @@ void convertAll(const std::vector<Source>& sources, const ConvertOptions& option
 
 int convertManyFiles(const ConvertOptions& options) {
   const std::vector<Source> sources = listSources(options.sources, options.request.folder);
+  const auto inputs = std::make_shared<InputFiles>();
+  for (const Source& source : sources) inputs->add(source.name);
+  ConversionRequest request = options.request;
+  request.inputs = inputs;
   RunningReport report(options);
-  convertAll(sources, options, report);
+  convertAll(sources, request, options, report);
   return report.finish();
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cinttypes>
 #include <span>
 
 #include "host/diagnostics/error_handler.h"

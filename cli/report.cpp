@@ -1,115 +1,162 @@
 #include "report.h"
 
+#include <map>
+
 #include "exit_status.h"
-#include "json_line.h"
+#include "json_pieces.h"
+#include "messages.h"
 #include "printable.h"
 
 namespace ibis::cli {
 namespace {
 
-using nlohmann::ordered_json;
+// Standard error writes each piece by itself, so that a message is one piece.
+class MessagePrinter {
+ public:
+  MessagePrinter(std::ostream& out, const std::string& source, std::size_t limit)
+      : out_(out), source_(printable(source)), limit_(limit) {}
 
-// A name or a text of the file may hold what moves the cursor.
-void appendLine(std::string& text, const std::string& source, std::int32_t line, const char* kind,
-                const std::string& said) {
-  text.append(printable(source)).append(":");
-  if (line > 0) text.append(std::to_string(line)).append(":");
-  text.append(kind).append(printable(said)).append("\n");
-}
+  void add(const std::vector<Diagnostic>& list) {
+    for (const Diagnostic& each : list) add(each);
+  }
 
-void appendList(std::string& text, const std::string& source, const std::vector<Diagnostic>& list) {
-  for (const Diagnostic& message : list) {
-    appendLine(text, source, message.line,
-               message.severity == Severity::error ? " error: " : " warning: ", message.text);
-    for (const Note& note : message.notes) {
-      appendLine(text, source, note.line, " note: ", note.text);
+  // Of what a check finds five of a rule are enough.
+  void addFindings(const std::vector<Diagnostic>& list) {
+    std::map<std::string_view, std::size_t> told;
+    for (const Diagnostic& each : list) {
+      if (++told[each.id] <= toldOfRule) add(each);
+    }
+    for (const auto& [id, count] : told) {
+      if (count <= toldOfRule) continue;
+      addLine(0, 0, " note: ", tellMoreOfRule(count - toldOfRule, id).text, {});
     }
   }
-}
 
-ordered_json toJson(const std::vector<Note>& list) {
-  ordered_json array = ordered_json::array();
-  for (const Note& note : list) {
-    array.push_back(
-        {{"line", note.line > 0 ? ordered_json(note.line) : ordered_json()}, {"text", note.text}});
+  void add(const Note& note) { addLine(note.line, 0, " note: ", note.text, {}); }
+
+  void finish() {
+    if (count_ <= limit_) return;
+    addLine(0, 0, " note: ", tellMoreMessages(count_ - limit_).text, {});
   }
-  return array;
-}
 
-ordered_json toJson(const std::vector<Diagnostic>& list) {
-  ordered_json array = ordered_json::array();
-  for (const Diagnostic& message : list) {
-    ordered_json& item = array.emplace_back();
-    item["line"] = message.line > 0 ? ordered_json(message.line) : ordered_json();
-    item["text"] = message.text;
-    if (!message.notes.empty()) item["notes"] = toJson(message.notes);
+ private:
+  void add(const Diagnostic& each) {
+    if (++count_ > limit_) return;
+    const bool isFinding = each.column > 0;
+    addLine(each.line, each.column,
+            each.severity == Severity::error ? " error: " : " warning: ", each.text,
+            isFinding ? each.id : std::string_view());
+    for (const Note& note : each.notes) add(note);
   }
-  return array;
-}
 
-ordered_json toJson(const std::vector<LeftOut>& list) {
-  ordered_json array = ordered_json::array();
-  for (const LeftOut& each : list) {
-    ordered_json& item = array.emplace_back();
-    item["component"] = each.component;
-    item["model"] = each.model;
-    item["line"] = each.line > 0 ? ordered_json(each.line) : ordered_json();
-    item["pins"] = each.pins;
+  void addLine(std::int32_t line, std::int32_t column, const char* kind, const std::string& said,
+               std::string_view id) {
+    std::string text = source_ + ':';
+    if (line > 0) text.append(std::to_string(line)).append(":");
+    if (column > 0) text.append(std::to_string(column)).append(":");
+    text.append(kind).append(printable(said));
+    if (!id.empty()) text.append(" [").append(id).append("]");
+    out_ << text.append("\n");
   }
-  return array;
+
+  std::ostream& out_;
+  const std::string source_;
+  const std::size_t limit_;
+  std::size_t count_ = 0;
+};
+
+void printLeftOut(std::ostream& out, const LeftOut& each) {
+  out << "{\"component\":";
+  printJsonText(out, each.component);
+  out << ",\"model\":";
+  printJsonText(out, each.model);
+  out << ",\"line\":";
+  printLineNumber(out, each.line);
+  out << ",\"pins\":";
+  printArray(out, each.pins, [&](const std::string& pin) { printJsonText(out, pin); });
+  out << '}';
 }
 
-void addResult(ordered_json& object, const Conversion& conversion, int status) {
-  object["status"] = status;
-  object["files"] = conversion.files;
-  object["warnings"] = toJson(conversion.warnings);
-  object["errors"] = toJson(conversion.errors);
-  if (!conversion.leftOut.empty()) object["leftOut"] = toJson(conversion.leftOut);
-  if (!conversion.notes.empty()) object["notes"] = toJson(conversion.notes);
+void printResult(std::ostream& out, const Conversion& conversion, int status) {
+  const auto print = [&](const Diagnostic& each) { printDiagnostic(out, each); };
+  out << "\"status\":" << status << ",\"files\":";
+  printArray(out, conversion.files, [&](const std::string& name) { printJsonText(out, name); });
+  out << ",\"warnings\":";
+  printArray(out, conversion.warnings, print);
+  out << ",\"errors\":";
+  printArray(out, conversion.errors, print);
+  if (!conversion.findings.empty()) {
+    out << ",\"findings\":";
+    printArray(out, conversion.findings, print);
+  }
+  if (!conversion.leftOut.empty()) {
+    out << ",\"leftOut\":";
+    printArray(out, conversion.leftOut, [&](const LeftOut& each) { printLeftOut(out, each); });
+  }
+  if (!conversion.notes.empty()) {
+    out << ",\"notes\":";
+    printNotes(out, conversion.notes);
+  }
 }
 
 }  // namespace
 
 int exitStatusOf(const Conversion& conversion, bool warningsFail) {
   const bool isWritten = conversion.errors.empty() && !conversion.files.empty();
-  const bool isGood = isWritten && (conversion.warnings.empty() || !warningsFail);
-  return isGood ? exitStatus::done : exitStatus::failed;
+  const bool isDoubtful = !conversion.warnings.empty() || !conversion.findings.empty();
+  return isWritten && !(isDoubtful && warningsFail) ? exitStatus::done : exitStatus::failed;
 }
 
-std::string messageText(const std::string& source, const Conversion& conversion) {
-  std::string text;
-  appendList(text, source, conversion.warnings);
-  appendList(text, source, conversion.errors);
-  for (const Note& note : conversion.notes)
-    appendLine(text, source, note.line, " note: ", note.text);
-  return text;
+void printMessages(std::ostream& out, const std::string& source, const Conversion& conversion,
+                   std::size_t limit) {
+  MessagePrinter printer(out, source, limit);
+  printer.add(conversion.warnings);
+  printer.addFindings(conversion.findings);
+  printer.add(conversion.errors);
+  printer.finish();
+  for (const Note& note : conversion.notes) printer.add(note);
 }
 
-std::string messageText(const std::string& source, const std::vector<Diagnostic>& list) {
-  std::string text;
-  appendList(text, source, list);
-  return text;
+void printMessages(std::ostream& out, const std::string& source,
+                   const std::vector<Diagnostic>& list, std::size_t limit) {
+  MessagePrinter printer(out, source, limit);
+  printer.add(list);
+  printer.finish();
 }
 
 void printSummary(std::ostream& out, const Conversion& conversion) {
   for (const std::string& name : conversion.files) out << printable(name) << '\n';
   out << counted(conversion.warnings.size(), "warning") << ", "
-      << counted(conversion.errors.size(), "error") << '\n';
+      << counted(conversion.errors.size(), "error") << findingsText(conversion.findings.size())
+      << '\n';
 }
 
 void printJson(std::ostream& out, const Conversion& conversion, int status) {
-  ordered_json object;
-  addResult(object, conversion, status);
-  out << jsonLine(object);
+  out << '{';
+  printResult(out, conversion, status);
+  out << "}\n";
 }
 
 void JsonArray::add(std::ostream& out, const std::string& file, const Conversion& conversion,
                     int status) {
-  ordered_json object;
-  object["file"] = file;
-  addResult(object, conversion, status);
-  out << separator_ << jsonText(object);
+  out << separator_ << "{\"file\":";
+  printJsonText(out, file);
+  out << ',';
+  printResult(out, conversion, status);
+  out << '}';
   separator_ = ",\n";
+}
+
+Diagnostic tellMoreMessages(std::size_t count) {
+  return tell(Severity::note, message::moreMessages, count);
+}
+
+Diagnostic tellMoreOfRule(std::size_t count, std::string_view id) {
+  return tell(Severity::note, message::moreOfRule, count, std::string(id).c_str());
+}
+
+std::string findingsText(std::size_t count) {
+  return count == 0 ? "" : ", " + counted(count, "error") + " of a check";
 }
 
 std::string counted(std::size_t count, const std::string& word) {

@@ -11,12 +11,22 @@ namespace ibis::cli {
 /// The exit status of the program for one conversion alone.
 int exitStatusOf(const Conversion& conversion, bool warningsFail);
 
-/// The messages, one a line in a form that editors can follow to the source; in one piece, since
-/// standard error writes each piece by itself.
-std::string messageText(const std::string& source, const Conversion& conversion);
+/// How many messages of a file are printed unless a user says otherwise.
+inline constexpr std::size_t usualMessageLimit = 1000;
+
+/// How many findings of a rule are printed of a file.
+inline constexpr std::size_t toldOfRule = 5;
+
+/// Prints warnings, what a check found, errors and notes, each in a form that editors can follow to
+/// the source.
+///
+/// Beyond the limit it tells how many more there are.
+void printMessages(std::ostream& out, const std::string& source, const Conversion& conversion,
+                   std::size_t limit = usualMessageLimit);
 
 /// The same of a list.
-std::string messageText(const std::string& source, const std::vector<Diagnostic>& list);
+void printMessages(std::ostream& out, const std::string& source,
+                   const std::vector<Diagnostic>& list, std::size_t limit = usualMessageLimit);
 
 /// Writes the names of the files and the counts of messages.
 void printSummary(std::ostream& out, const Conversion& conversion);
@@ -35,6 +45,13 @@ class JsonArray {
  private:
   std::string_view separator_ = "[";
 };
+
+/// That messages beyond a limit, or findings of a rule beyond the usual, are not printed.
+Diagnostic tellMoreMessages(std::size_t count);
+Diagnostic tellMoreOfRule(std::size_t count, std::string_view id);
+
+/// What a summary adds about errors that a check found; nothing for none.
+std::string findingsText(std::size_t count);
 
 /// A number and a word, such as "1 file" and "2 files".
 std::string counted(std::size_t count, const std::string& word);

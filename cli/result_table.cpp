@@ -5,6 +5,7 @@
 #include <ostream>
 
 #include "exit_status.h"
+#include "printable.h"
 #include "report.h"
 #include "text_columns.h"
 
@@ -13,15 +14,19 @@ namespace {
 
 constexpr std::string_view nameTitle = "file";
 
+// One long name does not widen the rows of all.
+constexpr std::size_t mostColumns = 80;
+
 void printName(std::ostream& out, std::string_view name, std::size_t columns) {
-  out << name << std::string(columns - columnsOf(name), ' ');
+  const std::size_t taken = columnsOf(name);
+  out << name << std::string(taken < columns ? columns - taken : 0, ' ');
 }
 
 }  // namespace
 
 void ResultTable::add(const Source& source, const Conversion& conversion, int status) {
   rows_.push_back({&source, status, conversion.files.size(), conversion.warnings.size(),
-                   conversion.errors.size()});
+                   conversion.errors.size(), conversion.findings.size()});
 }
 
 void ResultTable::print(std::ostream& out) const {
@@ -29,18 +34,18 @@ void ResultTable::print(std::ostream& out) const {
   printName(out, nameTitle, columns);
   out << "  status   files  warnings  errors  folder\n";
   for (const Row& row : rows_) {
-    printName(out, row.source->name, columns);
+    printName(out, printable(row.source->name), columns);
     out << (row.status == exitStatus::done ? "  written" : "  failed ") << std::setw(7) << row.files
         << std::setw(10) << row.warnings << std::setw(8) << row.errors << "  "
-        << (row.files == 0 ? "-" : row.source->folder) << '\n';
+        << (row.files == 0 ? "-" : printable(row.source->folder)) << '\n';
   }
   printTotals(out);
 }
 
 std::size_t ResultTable::nameColumns() const {
   std::size_t columns = nameTitle.size();
-  for (const Row& row : rows_) columns = std::max(columns, columnsOf(row.source->name));
-  return columns;
+  for (const Row& row : rows_) columns = std::max(columns, columnsOf(printable(row.source->name)));
+  return std::min(columns, mostColumns);
 }
 
 void ResultTable::printTotals(std::ostream& out) const {
@@ -51,10 +56,11 @@ void ResultTable::printTotals(std::ostream& out) const {
     total.files += row.files;
     total.warnings += row.warnings;
     total.errors += row.errors;
+    total.findings += row.findings;
   }
   out << counted(rows_.size(), "input") << ": " << written << " written, " << rows_.size() - written
       << " failed; " << counted(total.files, "file") << ", " << counted(total.warnings, "warning")
-      << ", " << counted(total.errors, "error") << '\n';
+      << ", " << counted(total.errors, "error") << findingsText(total.findings) << '\n';
 }
 
 }  // namespace ibis::cli

@@ -24,6 +24,7 @@ class ResultTable {
     std::size_t files;
     std::size_t warnings;
     std::size_t errors;
+    std::size_t findings;
   };
 
   std::size_t nameColumns() const;

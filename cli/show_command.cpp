@@ -48,7 +48,7 @@ Examples:
 
 // What went wrong, told beside what is refused; nothing else is shown then.
 int fail(const ShowOptions& options, std::vector<Diagnostic> errors) {
-  std::cerr << messageText(options.source, errors);
+  printMessages(std::cerr, options.source, errors);
   if (options.asJson) {
     ordered_json object;
     object["schema"] = jsonSchema;
@@ -157,7 +157,7 @@ int runShow(const ShowOptions& options) {
   const Found found =
       options.name.empty() ? findAll(file, summary) : findByName(file, summary, options.name);
   if (found.empty()) return fail(options, {nothingCalled(options, file)});
-  std::cerr << messageText(options.source, reading.leftOut);
+  printMessages(std::cerr, options.source, reading.leftOut);
   if (!options.table.empty()) return writeCsv(options, found);
   print(options, reading, found);
   return exitStatus::done;

@@ -228,7 +228,7 @@ TEST(Advice, JsonHasTheNotes) {
   const Outcome result =
       run({"convert", "part.ibs", "-p", "A", "--json"}, {.folder = folder.path()});
   EXPECT_EQ(json::parse(result.out)["errors"], json::parse(R"([
-    {"line": null, "text": "Component 'BUF-1' has no pin 'A'",
+    {"id": "pin-not-found", "line": null, "text": "Component 'BUF-1' has no pin 'A'",
      "notes": [{"line": null, "text": "pin 1 has this signal"}]}])"));
 }
 

@@ -1,9 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <zlib.h>
 
 #include <nlohmann/json.hpp>
 
+#include "program/packing.h"
 #include "program/run.h"
 #include "program/texts.h"
 
@@ -277,45 +277,89 @@ TEST(StandardInput, IsReadOnceForAllComponents) {
             "./BUF_1.lb\n./BUF_2.lb\n0 warnings, 0 errors\n");
 }
 
-// The text as gzip packs it.
-std::string packed(const std::string& text) {
-  z_stream stream{};
-  constexpr int gzip = 15 + 16;
-  deflateInit2(&stream, Z_BEST_COMPRESSION, Z_DEFLATED, gzip, 8, Z_DEFAULT_STRATEGY);
-  std::string from = text;
-  std::vector<Bytef> to(text.size() + 100);
-  stream.next_in = reinterpret_cast<Bytef*>(from.data());
-  stream.avail_in = static_cast<uInt>(from.size());
-  stream.next_out = to.data();
-  stream.avail_out = static_cast<uInt>(to.size());
-  EXPECT_EQ(deflate(&stream, Z_FINISH), Z_STREAM_END);
-  to.resize(to.size() - stream.avail_out);
-  deflateEnd(&stream);
-  return {to.begin(), to.end()};
-}
-
 TEST(Gzip, IsReadAsTheTextThatItHolds) {
   const std::string half = bufferText.substr(0, 100);
   const std::string rest = bufferText.substr(100);
   const std::string whole = convertText(bufferText, {"-m", "package"}).files.at("BUF_1.lb");
-  for (const std::string& text : {packed(bufferText), packed(half) + packed(rest)}) {
+  for (const std::string& text :
+       {packedByGzip(bufferText), packedByGzip(half) + packedByGzip(rest)}) {
     const Done done = convertText(text, {"-m", "package"});
     EXPECT_EQ(done.outcome.err, "");
     EXPECT_EQ(done.outcome.status, 0);
     EXPECT_EQ(done.files.at("BUF_1.lb"), whole);
   }
-  EXPECT_THAT(run({"list", "-"}, {.input = packed(bufferText)}).out, HasSubstr("-: IBIS 4.2, "));
+  EXPECT_THAT(run({"list", "-"}, {.input = packedByGzip(bufferText)}).out,
+              HasSubstr("-: IBIS 4.2, "));
 }
 
 TEST(Gzip, ThatIsCutIsAnError) {
-  const std::string cut = packed(bufferText).substr(0, 50);
+  const std::string cut = packedByGzip(bufferText).substr(0, 50);
   EXPECT_EQ(convertText(cut, {"-q"}).outcome.err,
-            "part.ibs: error: Cannot unpack the gzip data: it ends too early\n");
+            "part.ibs: error: Cannot unpack the file: truncated gzip input\n");
   const Outcome listed = run({"list", "-"}, {.input = cut});
   EXPECT_EQ(listed.status, 1);
-  EXPECT_EQ(listed.err, "-: error: Cannot unpack the gzip data: it ends too early\n");
-  EXPECT_EQ(convertText(packed(bufferText) + "rest", {"-q"}).outcome.err,
-            "part.ibs: error: Cannot unpack the gzip data: it is damaged\n");
+  EXPECT_EQ(listed.err, "-: error: Cannot unpack the file: truncated gzip input\n");
+}
+
+TEST(Gzip, IsCheckedAsTheTextThatItHolds) {
+  const Outcome result =
+      run({"check", "-", "-Wno-model-voltage-range-missing"}, {.input = packedByGzip(bufferText)});
+  EXPECT_EQ(result.err, "");
+  EXPECT_EQ(result.out, "1 file: 0 errors, 0 warnings\n");
+}
+
+const std::vector<Member> members = {
+    {"b.ibs", bufferText}, {"sub/größe.IBS", bufferText}, {"readme.txt", "no model"}};
+
+TEST(Zip, StandsForItsFilesAsAFolderDoes) {
+  const TemporaryFolder folder;
+  folder.write("parts.zip", packedByZip(members));
+  const Outcome result =
+      run({"convert", "parts.zip", "-m", "package", "-o", "out"}, {.folder = folder.path()});
+  EXPECT_EQ(result.err, "");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.out,
+            "file                     status   files  warnings  errors  folder\n"
+            "parts.zip/b.ibs          written      1         0       0  out/b\n"
+            "parts.zip/sub/größe.IBS  written      1         0       0  out/sub/größe\n"
+            "2 inputs: 2 written, 0 failed; 2 files, 0 warnings, 0 errors\n");
+  EXPECT_EQ(readWholeFile(folder.file("out/sub/größe/BUF_1.lb")),
+            convertText(bufferText, {"-m", "package"}).files.at("BUF_1.lb"));
+}
+
+TEST(Zip, HasAFileThatIsNamedBehindIt) {
+  const TemporaryFolder folder;
+  folder.write("parts.zip", packedByZip(members));
+  const Outcome shown = run({"show", "parts.zip/sub/größe.IBS", "in"}, {.folder = folder.path()});
+  EXPECT_EQ(shown.err, "");
+  EXPECT_THAT(shown.out, HasSubstr("Model in (line 14)"));
+  EXPECT_THAT(run({"list", "parts.zip"}, {.folder = folder.path()}).out,
+              ::testing::AllOf(HasSubstr("parts.zip/b.ibs: IBIS 4.2"),
+                               HasSubstr("parts.zip/sub/größe.IBS: IBIS 4.2")));
+}
+
+TEST(Zip, ThatIsCutIsAnError) {
+  const TemporaryFolder folder;
+  const std::string packed = packedByZip(members);
+  folder.write("parts.zip", packed.substr(0, packed.size() / 4));
+  const Outcome result = run({"list", "parts.zip"}, {.folder = folder.path()});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.err, ::testing::StartsWith("parts.zip"));
+  EXPECT_THAT(result.err, HasSubstr(": error: Cannot unpack the file: "));
+}
+
+// Names of members are the sender's; none may lead out of the output folder.
+TEST(Zip, WritesNothingOutsideOfTheFolder) {
+  const TemporaryFolder folder;
+  const std::vector<Member> hostile = {{"../../up.ibs", bufferText}, {"/top.ibs", bufferText}};
+  std::filesystem::create_directory(folder.file("in"));
+  folder.write("in/parts.zip", packedByZip(hostile));
+  const Outcome result = run({"convert", "in/parts.zip", "-m", "package", "-o", "in/out", "-q"},
+                             {.folder = folder.path()});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(folder.names(), std::vector<std::string>{"in"});
+  EXPECT_TRUE(std::filesystem::exists(folder.file("in/out/up/BUF_1.lb")));
+  EXPECT_TRUE(std::filesystem::exists(folder.file("in/out/top/BUF_1.lb")));
 }
 
 TEST(StandardInput, IsListedAndShown) {

@@ -188,22 +188,25 @@ TEST(Convert, JsonHoldsAllAndNothingStandsBesideIt) {
   for (const bool isQuiet : {false, true}) {
     std::vector<std::string> words = {source, "--json", "-m", "package", "-o", folder.path()};
     if (isQuiet) words.push_back("-q");
-    EXPECT_EQ(convert(words).out,
-              R"({"status":0,"files":[")" + folder.file("BUF_1.lb") +
-                  R"("],"warnings":[)"
-                  R"({"line":14,"text":"Model 'in': Vinl not defined using default 0.8V"},)"
-                  R"({"line":14,"text":"Model 'in': Vinh not defined using default 2.0V"}],)"
-                  R"("errors":[]})"
-                  "\n");
+    EXPECT_EQ(
+        convert(words).out,
+        R"({"status":0,"files":[")" + folder.file("BUF_1.lb") +
+            R"("],"warnings":[)"
+            R"({"id":"vinl-default","line":14,"text":"Model 'in': Vinl not defined using default 0.8V"},)"
+            R"({"id":"vinh-default","line":14,"text":"Model 'in': Vinh not defined using default 2.0V"}],)"
+            R"("errors":[]})"
+            "\n");
   }
 }
 
 TEST(Convert, JsonTellsOfErrorsWithoutALine) {
   const Outcome result = convert({"nowhere.ibs", "--json"});
   EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.out, R"({"status":1,"files":[],"warnings":[],"errors":[{"line":null,"text":)"
-                        R"("Cannot open the file: No such file or directory"}]})"
-                        "\n");
+  EXPECT_EQ(
+      result.out,
+      R"({"status":1,"files":[],"warnings":[],"errors":[{"id":"cannot-open-file","line":null,"text":)"
+      R"("Cannot open the file: No such file or directory"}]})"
+      "\n");
 }
 
 TEST(Convert, JsonReplacesBytesThatAreNotUtf8) {

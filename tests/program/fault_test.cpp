@@ -53,7 +53,8 @@ class Writing {
     mkdir(out().c_str(), 0700);
     writeWholeFile(library(), earlier);
     mkfifo(page().c_str(), 0600);
-    std::vector<std::string> words{IBIS_PROGRAM_PATH, "convert", source_, "-o", out(), "-s", "dut"};
+    std::vector<std::string> words{
+        IBIS_PROGRAM_PATH, "convert", "--no-check", source_, "-o", out(), "-s", "dut"};
     std::vector<char*> pointers;
     for (std::string& word : words) pointers.push_back(word.data());
     pointers.push_back(nullptr);
@@ -209,7 +210,8 @@ TEST(Limits, AFileThatGrowsTooLargeIsToldAndStaysAsItWas) {
   ASSERT_LE(page.size(), room);
   writeWholeFile(out + "/dut.lb", earlier);
   writeWholeFile(out + "/dut_INFO.html", earlier);
-  const Outcome outcome = runWithRoom(120, {"convert", source, "-o", out, "-s", "dut"});
+  const Outcome outcome =
+      runWithRoom(120, {"convert", "--no-check", source, "-o", out, "-s", "dut"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(outcome.err, source + ": error: Cannot write output file '" + out + "/dut.lb'\n");
   EXPECT_EQ(outcome.out, out + "/dut.lb\n" + out + "/dut_INFO.html\n0 warnings, 1 error\n");
@@ -314,7 +316,8 @@ TEST(InPlace, AFileOfAFolderThatTakesNoOtherIsWritten) {
   writeWholeFile(out + "/dut.lb", earlier);
   writeWholeFile(out + "/dut_INFO.html", earlier);
   std::filesystem::permissions(out, std::filesystem::perms(0555));
-  const Outcome outcome = runWithoutPrivileges({"convert", source, "-o", out, "-s", "dut"});
+  const Outcome outcome =
+      runWithoutPrivileges({"convert", "--no-check", source, "-o", out, "-s", "dut"});
   std::filesystem::permissions(out, std::filesystem::perms(0755));
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.out, out + "/dut.lb\n" + out + "/dut_INFO.html\n0 warnings, 0 errors\n");
@@ -331,8 +334,8 @@ TEST(InPlace, AFolderThatTakesNoFileIsTold) {
   const std::string out = folder.file("out");
   std::filesystem::create_directory(out);
   std::filesystem::permissions(out, std::filesystem::perms(0555));
-  const Outcome outcome =
-      runWithoutPrivileges({"convert", source, "-m", "package", "-o", out, "-s", "dut"});
+  const Outcome outcome = runWithoutPrivileges(
+      {"convert", "--no-check", source, "-m", "package", "-o", out, "-s", "dut"});
   std::filesystem::permissions(out, std::filesystem::perms(0755));
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(outcome.err, source + ": error: Cannot open output file '" + out + "/dut.lb'\n");
@@ -345,8 +348,8 @@ TEST(InPlace, AFileThatMayNotBeWrittenIsNotReplacedEither) {
   const std::string source = folder.write("buffer.ibs", bufferText);
   const std::string library = folder.write("dut.lb", earlier);
   std::filesystem::permissions(library, std::filesystem::perms(0444));
-  const Outcome outcome =
-      runWithoutPrivileges({"convert", source, "-m", "package", "-o", folder.path(), "-s", "dut"});
+  const Outcome outcome = runWithoutPrivileges(
+      {"convert", "--no-check", source, "-m", "package", "-o", folder.path(), "-s", "dut"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(outcome.err, source + ": error: Cannot open output file '" + library + "'\n");
   EXPECT_EQ(readWholeFile(library), earlier);

@@ -193,14 +193,16 @@ TEST(ManyFiles, JsonIsOneArrayWithTheFileOfEachObject) {
   library.add("a.ibs", warningText);
   const Outcome result = library.convert({"a.ibs", "missing.ibs", "--json"});
   EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.out, R"([{"file":"a.ibs","status":0,"files":["out/a/BUF_1.lb"],"warnings":[)"
-                        R"({"line":14,"text":"Model 'in': Vinl not defined using default 0.8V"},)"
-                        R"({"line":14,"text":"Model 'in': Vinh not defined using default 2.0V"}],)"
-                        R"("errors":[]},)"
-                        "\n"
-                        R"({"file":"missing.ibs","status":1,"files":[],"warnings":[],"errors":[)"
-                        R"({"line":null,"text":"Cannot open the file: No such file or directory"})"
-                        "]}]\n");
+  EXPECT_EQ(
+      result.out,
+      R"([{"file":"a.ibs","status":0,"files":["out/a/BUF_1.lb"],"warnings":[)"
+      R"({"id":"vinl-default","line":14,"text":"Model 'in': Vinl not defined using default 0.8V"},)"
+      R"({"id":"vinh-default","line":14,"text":"Model 'in': Vinh not defined using default 2.0V"}],)"
+      R"("errors":[]},)"
+      "\n"
+      R"({"file":"missing.ibs","status":1,"files":[],"warnings":[],"errors":[)"
+      R"({"id":"cannot-open-file","line":null,"text":"Cannot open the file: No such file or directory"})"
+      "]}]\n");
 }
 
 TEST(ManyFiles, QuietLeavesTheMessagesAlone) {
@@ -272,18 +274,78 @@ TEST(ManyFiles, LinksToFilesAndFoldersAreFollowed) {
   EXPECT_THAT(library.written(), ElementsAre("file/BUF_1.lb", "folder/a/BUF_1.lb"));
 }
 
-TEST(ManyFiles, LinksThatFormCirclesAreToldAndNotFollowed) {
+TEST(ManyFiles, LinksThatLeadBackArePassedOver) {
   const Library library;
   library.add("lib/in/a.ibs");
   fs::create_symlink("..", library.file("lib/in/up"));
+  fs::create_symlink(".", library.file("lib/in/here"));
+  fs::create_symlink("/", library.file("lib/root"));
+  const Outcome result = library.convert({"lib"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.err, "");
+  EXPECT_THAT(library.written(), ElementsAre("in/a/BUF_1.lb"));
+}
+
+TEST(ManyFiles, ALinkToItselfIsTold) {
+  const Library library;
+  library.add("lib/a.ibs");
   fs::create_symlink("self", library.file("lib/self"));
   const Outcome result = library.convert({"lib"});
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(
       result.err,
-      "lib/in/up: error: The link leads back to a folder above it and is not followed\n"
       "lib/self: error: Cannot tell whether it is a folder: Too many levels of symbolic links\n");
-  EXPECT_THAT(library.written(), ElementsAre("in/a/BUF_1.lb"));
+  EXPECT_THAT(library.written(), ElementsAre("a/BUF_1.lb"));
+}
+
+// Eight folders that link to one another have more than a hundred thousand paths.
+TEST(ManyFiles, EachFolderIsSearchedOnceByItsOwnName) {
+  const Library library;
+  const std::string names = "bcdefghi";
+  for (const char name : names) library.add(std::string("lib/") + name + "/x.ibs");
+  for (const char name : names) {
+    for (const char other : names) {
+      if (name != other) {
+        fs::create_symlink(std::string("../") + other,
+                           library.file(std::string("lib/") + name + "/to_" + other));
+      }
+    }
+  }
+  fs::create_symlink("b", library.file("lib/a"));
+  const Outcome result = library.convert({"lib"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(library.written(),
+              ElementsAre("b/x/BUF_1.lb", "c/x/BUF_1.lb", "d/x/BUF_1.lb", "e/x/BUF_1.lb",
+                          "f/x/BUF_1.lb", "g/x/BUF_1.lb", "h/x/BUF_1.lb", "i/x/BUF_1.lb"));
+}
+
+TEST(ManyFiles, FoldersThatDifferByCaseAloneAreKeptApart) {
+  const Library library;
+  library.add("lib/A.ibs");
+  library.add("lib/a.ibs");
+  EXPECT_EQ(library.convert({"lib"}).status, 0);
+  EXPECT_THAT(library.written(), ElementsAre("A/BUF_1.lb", "a_2/BUF_1.lb"));
+}
+
+TEST(ManyFiles, NoFolderStandsWhereAFileOfAnotherSourceBelongs) {
+  const Library library;
+  library.add("lib/sub.ibs");
+  library.add("lib/sub/BUF_1.lb.ibs");
+  const Outcome result = library.convert({"lib"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(library.written(), ElementsAre("sub/BUF_1.lb", "sub/BUF_1.lb_/BUF_1.lb"));
+}
+
+TEST(ManyFiles, NoOutputReplacesAnInputOfTheRun) {
+  const Library library;
+  library.add("a.ibs");
+  library.add("a/BUF_1.lb");
+  const std::string before = readWholeFile(library.file("a/BUF_1.lb"));
+  const Outcome result =
+      run({"convert", "a.ibs", "a/BUF_1.lb", "-o", ".", "-q"}, {.folder = library.file("")});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.err, "a.ibs: error: Output file './a/BUF_1.lb' is an input file of this run\n");
+  EXPECT_EQ(readWholeFile(library.file("a/BUF_1.lb")), before);
 }
 
 // A link to nowhere stands for a file that goes away between the search and its turn.
@@ -325,7 +387,7 @@ TEST(ManyFiles, AFolderThatIsClosedIsTold) {
   library.add("lib/closed/b.ibs");
   fs::permissions(library.file("lib/closed"), fs::perms::none);
   Streams streams{.folder = library.path()};
-  std::vector<std::string> words = {"convert", "lib", "-q", "-o", "out"};
+  std::vector<std::string> words = {"convert", "--no-check", "lib", "-q", "-o", "out"};
   if (geteuid() == 0) {
     // The superuser reads every folder, unless these rights are taken away.
     words.insert(words.begin(),

@@ -11,7 +11,9 @@
 #include "harness/harness.h"
 #include "messages.h"
 #include "plugin.h"
+#include "program/packing.h"
 #include "program/texts.h"
+#include "report.h"
 #include "source_list.h"
 #include "tolerant_reading.h"
 
@@ -114,8 +116,22 @@ TEST_F(ProgramMessages, TellOfASourceThatCannotBeReadWhole) {
 }
 
 TEST_F(ProgramMessages, TellOfASourceThatCannotBeUnpacked) {
-  EXPECT_MESSAGES(errorsOf("\x1f\x8b rest"), "Cannot unpack the gzip data: it is damaged");
-  EXPECT_MESSAGES(errorsOf("\x1f\x8b"), "Cannot unpack the gzip data: it ends too early");
+  EXPECT_MESSAGES(errorsOf("\x1f\x8b rest"), "Cannot unpack the file: it is damaged");
+}
+
+TEST_F(ProgramMessages, TellOfAMemberThatAnArchiveLacks) {
+  const std::string archive = folder_.write("a.zip", packedByZip({{"a.ibs", bufferText}}));
+  EXPECT_MESSAGES(errorsOfSource(archive + "/b.ibs"), "The archive has no such file");
+}
+
+TEST_F(ProgramMessages, TellOfAnOutputThatIsAnotherInput) {
+  const std::string other = folder_.write("BUF_1.lb", bufferText);
+  const auto inputs = std::make_shared<cli::InputFiles>();
+  inputs->add(other);
+  ConversionRequest request;
+  request.inputs = inputs;
+  EXPECT_MESSAGES(errorsOf(bufferText, request),
+                  "Output file '" + other + "' is an input file of this run");
 }
 
 TEST_F(ProgramMessages, TellOfAFolderWithoutFiles) {
@@ -153,9 +169,38 @@ TEST_F(ProgramMessages, TellOfALinkToItself) {
                   "Cannot tell whether it is a folder: Too many levels of symbolic links");
 }
 
-TEST_F(ProgramMessages, TellOfALinkToAFolderAboveIt) {
-  fs::create_symlink(".", folder_.file("up"));
-  EXPECT_MESSAGES(faultsOfSearch(), "The link leads back to a folder above it and is not followed");
+TEST_F(ProgramMessages, TellHowManyAreNotPrinted) {
+  EXPECT_MESSAGES(Diagnostics{cli::tellMoreMessages(7)},
+                  "7 more messages; --max-messages 0 prints all");
+  EXPECT_MESSAGES(Diagnostics{cli::tellMoreOfRule(2, "numeric-decimal-comma")},
+                  "2 more of numeric-decimal-comma");
+}
+
+// Each row of a pair is an instance with long names; a partner that is missing is the pin NA.
+TEST_F(ProgramMessages, TellOfAnOutputThatWouldBeTooLarge) {
+  constexpr int rows = 60'000;
+  const std::string model(220, 'M');
+  std::string text = "[IBIS Ver] 2.1\n[Component] BUF-1\n[Pin] signal_name model_name\n1 ";
+  text += std::string(220, 'a') + " s\nNA " + std::string(220, 'b') +
+          " s\n[Diff Pin] inv_pin vdiff tdelay_typ\n";
+  for (int i = 0; i < rows; ++i) text += "1\n";
+  text += "[Model Selector] s\n" + model + "\n[Model] " + model +
+          "\nModel_type I/O\n[Pulldown]\n0 0\n[Pullup]\n0 0\n[Voltage Range] 3 3 3\n"
+          "[Rising Waveform]\n0 0\n[End]\n";
+  ConversionRequest request;
+  request.source = folder_.write("part.ibs", text);
+  request.mode = "model";
+  request.folder = folder_.path();
+  request.isChecked = false;
+  const Conversion conversion = cli::convert(request);
+  const std::string limit =
+      std::to_string(100'000'000 + 200 * fs::file_size(folder_.file("part.ibs")));
+  EXPECT_MESSAGES(conversion.errors,
+                  "Cannot write output file '" + folder_.file("BUF_1.lb") + "'\n",
+                  "The output would take more than " + limit +
+                      " bytes, 200 for each of the file and 100 MB; --no-limit writes it");
+  EXPECT_EQ(conversion.files, Texts());
+  EXPECT_EQ(folder_.names(), Texts{"part.ibs"});
 }
 
 TEST_F(ProgramMessages, TellOfAFileWithoutAComponent) {

@@ -40,6 +40,12 @@ int exitStatus(pid_t child) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
+std::vector<std::string> wordsOf(std::vector<std::string> words, const Streams& streams) {
+  const bool isConversion = !words.empty() && words.front() == "convert";
+  if (isConversion && !streams.tellsFindings) words.insert(words.begin() + 1, "--no-check");
+  return words;
+}
+
 int spawn(const std::string& program, std::vector<std::string> words, const FileActions& actions) {
   words.insert(words.begin(), program);
   std::vector<char*> pointers;
@@ -86,7 +92,7 @@ Outcome run(const std::vector<std::string>& words, const Streams& streams) {
   }
   actions.enter(streams.folder);
   Outcome result;
-  result.status = spawn(streams.program, words, actions);
+  result.status = spawn(streams.program, wordsOf(words, streams), actions);
   if (streams.output.empty() && !streams.outputHasNoReader) result.out = readWholeFile(output);
   if (streams.error.empty()) result.err = readWholeFile(error);
   return result;

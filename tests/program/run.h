@@ -22,6 +22,8 @@ struct Streams {
   bool outputHasNoReader = false;
   std::string program = IBIS_PROGRAM_PATH;
   std::string folder = ".";  ///< Where the program works.
+  /// Whether a conversion tells what a check finds too; tests of other things leave that out.
+  bool tellsFindings = false;
 };
 
 /// Runs the program with these words behind its name.

@@ -200,9 +200,10 @@ TEST(CoupledPackage, OfManyPinsAsksForAChoice) {
   ExportRequest wanted = coupledRequest(0.01);
   wanted.hasSmallestCoupling = false;
   const ExportedText exported = exportText(manyPins(500, 0.3), wanted);
-  EXPECT_THAT(textsOf(exported.result.errors),
-              ElementsAre("The coupled package of 500 pins would make 499 couplings; choose pins "
-                          "with -p, or the smallest coupling with --min-coupling"));
+  EXPECT_THAT(
+      textsOf(exported.result.errors),
+      ElementsAre("The coupled package of 500 pins is too large (couplings: 499); choose pins "
+                  "with -p, or the smallest coupling with --min-coupling"));
   EXPECT_THAT(exported.result.files, IsEmpty());
 }
 
