@@ -1,11 +1,11 @@
 #include "input_text.h"
 
-#include <filesystem>
-#include <fstream>
+#include <cstdio>
 #include <iostream>
 #include <iterator>
 #include <string_view>
-#include <system_error>
+
+#include "reader/text/open_file.h"
 
 namespace ibis::cli {
 namespace {
@@ -18,13 +18,18 @@ std::string readAll(std::istream& in) {
 
 // A pipe or a device is for the load to refuse.
 std::string readGzipFile(const std::string& source) {
-  std::error_code fault;
-  if (!std::filesystem::is_regular_file(source, fault)) return {};
-  std::ifstream file(source, std::ios::binary);
-  std::string front(gzipFront.size(), '\0');
-  file.read(front.data(), static_cast<std::streamsize>(front.size()));
-  if (!file || front != gzipFront) return {};
-  return front + readAll(file);
+  struct stat status {};
+  const OpenFile file = openRegularFile(source, openFile, status);
+  if (!file) return {};
+  std::string bytes(gzipFront.size(), '\0');
+  bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file.get()));
+  if (bytes != gzipFront) return {};
+  char piece[1 << 15];
+  while (const std::size_t count = std::fread(piece, 1, sizeof piece, file.get())) {
+    bytes.append(piece, count);
+    if (bytes.size() > maxUnpacked) break;  // so much is refused anyway
+  }
+  return bytes;
 }
 
 }  // namespace

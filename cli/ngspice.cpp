@@ -6,12 +6,13 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <sstream>
+
+#include "reader/text/open_file.h"
 
 extern char** environ;
 
@@ -36,14 +37,21 @@ constexpr std::string_view faults[] = {
 };
 
 std::string readAll(const std::string& name) {
-  std::ifstream in(name, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+  std::string bytes;
+  struct stat status {};
+  const OpenFile file = openRegularFile(name, openFile, status);
+  if (!file) return bytes;
+  bytes.resize(static_cast<std::size_t>(status.st_size));
+  bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file.get()));
+  return bytes;
 }
 
 void writeAll(const std::string& name, const std::string& text) {
-  std::ofstream out(name, std::ios::binary);
-  out << text;
-  if (!out.flush()) throw SimulatorFault("cannot write " + name);
+  std::FILE* file = nullptr;
+  openFile(&file, name.c_str(), "wb");
+  OpenFile out(file);
+  const bool isWhole = out && std::fwrite(text.data(), 1, text.size(), file) == text.size();
+  if (!isWhole || std::fclose(out.release()) != 0) throw SimulatorFault("cannot write " + name);
 }
 
 // The actions that a started process takes before it runs.

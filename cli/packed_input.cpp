@@ -5,15 +5,13 @@
 #include <locale.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
+#include <cstdio>
 
 #include "messages.h"
+#include "reader/text/open_file.h"
 
 namespace ibis::cli {
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr std::string_view zipFront = "PK\x03\x04";
 constexpr std::size_t blockSize = std::size_t{1} << 16U;
@@ -131,11 +129,11 @@ MemberList listMembers(const std::string& archive) {
 }
 
 bool isZipArchive(const std::string& name) {
-  std::error_code isAbsent;
-  if (!fs::is_regular_file(name, isAbsent)) return false;
-  std::ifstream file(name, std::ios::binary);
+  struct stat status {};
+  const OpenFile file = openRegularFile(name, openFile, status);
   std::string front(zipFront.size(), '\0');
-  return file.read(front.data(), static_cast<std::streamsize>(front.size())) && front == zipFront;
+  return file && std::fread(front.data(), 1, front.size(), file.get()) == front.size() &&
+         front == zipFront;
 }
 
 std::optional<MemberName> splitMemberName(const std::string& name) {

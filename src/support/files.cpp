@@ -45,7 +45,7 @@ std::optional<fs::path> withoutLinks(const fs::path& absolute) {
 
 int fopen_s_utf8(std::FILE** file, const char* name, const char* mode) {
   errno = 0;
-  *file = std::fopen(name, mode);
+  *file = std::fopen(name, (std::string(mode) + 'e').c_str());
   if (*file != nullptr) return 0;
   return errno != 0 ? errno : EINVAL;
 }

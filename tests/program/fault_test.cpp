@@ -198,6 +198,23 @@ Outcome runWithRoom(int blocks, const std::vector<std::string>& words) {
   return run(all, {.program = "/bin/sh"});
 }
 
+// A sanitizer takes more addresses than any limit leaves.
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+TEST(Limits, AFilePaddedWithNulsTakesNoMemoryForThem) {
+  const TemporaryFolder folder;
+  const std::string source = folder.write("padded.ibs",
+                                          "[IBIS Ver] 4.2\n[Component] C\n[Manufacturer] M\n[Pin] "
+                                          "signal_name model_name\n1 a GND\n[End]\n");
+  std::filesystem::resize_file(source, 2'147'483'646);
+  const std::string out = folder.file("out");
+  const Outcome outcome = run({"-c", "ulimit -v 600000 && exec \"$0\" \"$@\"", IBIS_PROGRAM_PATH,
+                               "convert", source, "-o", out, "-s", "dut"},
+                              {.program = "/bin/sh"});
+  EXPECT_EQ(outcome.err, "");
+  EXPECT_EQ(outcome.status, 0);
+}
+#endif
+
 // A limit of the user's shell shows as a full disk, not as the end of the program.
 TEST(Limits, AFileThatGrowsTooLargeIsToldAndStaysAsItWas) {
   constexpr std::size_t room = 120 * 512;

@@ -49,6 +49,7 @@ class FileTarget final : public SinkTarget {
   // back.
   void take(std::FILE* file) {
     file_ = file;
+    closeOnExec(file);
     std::setvbuf(file, nullptr, _IONBF, 0);
   }
 

@@ -1,7 +1,5 @@
 #include "reader/text/text_buffer.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
@@ -10,21 +8,18 @@
 namespace ibis {
 namespace {
 
-struct FileCloser {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using OpenFile = std::unique_ptr<std::FILE, FileCloser>;
-
-bool isRegular(const struct stat& status) { return S_ISREG(status.st_mode); }
-
-// Looks before it opens, since opening a pipe that nobody writes to would block the host.
-OpenFile openRegularFile(const std::string& name, OpenFunction open, struct stat& status) {
-  if (stat(name.c_str(), &status) != 0 || !isRegular(status)) return nullptr;
-  std::FILE* file = nullptr;
-  if (open(&file, name.c_str(), "rb") != 0) return nullptr;
-  OpenFile opened(file);
-  if (fstat(fileno(file), &status) != 0 || !isRegular(status)) return nullptr;
-  return opened;
+// Tells how much of a file holds its text: all, or up to the piece with the first NUL, where the
+// text ends for the scanner. A file may be padded with far more than anybody wrote, and memory for
+// that is never asked for. False if fewer bytes come than there are.
+bool measureText(std::FILE* file, std::size_t fileSize, std::size_t& size) {
+  char piece[4096];
+  for (size = 0; size < fileSize;) {
+    const std::size_t count = std::min(sizeof piece, fileSize - size);
+    if (std::fread(piece, 1, count, file) != count) return false;
+    size += count;
+    if (std::memchr(piece, '\0', count) != nullptr) break;
+  }
+  return true;
 }
 
 // The scanner knows line feeds alone. A carriage return before one stays; the scanner drops it.
@@ -44,8 +39,10 @@ bool TextBuffer::loadFile(const std::string& name, OpenFunction open) {
   struct stat status {};
   const OpenFile file = openRegularFile(name, open, status);
   if (!file || status.st_size >= std::numeric_limits<std::int32_t>::max()) return false;
-  const auto size = static_cast<std::size_t>(status.st_size);
+  std::size_t size = 0;
+  if (!measureText(file.get(), static_cast<std::size_t>(status.st_size), size)) return false;
   auto bytes = std::make_unique_for_overwrite<char[]>(size + 1);
+  std::rewind(file.get());
   if (std::fread(bytes.get(), 1, size, file.get()) != size) return false;
   bytes[size] = '\0';
   convertLoneCarriageReturns(bytes.get(), size);

@@ -18,8 +18,9 @@ class TextBuffer {
   /// Replaces the text by a copy of another and goes to its start.
   void assign(std::string_view text);
 
-  /// Reads a file whole and turns lone carriage returns into line feeds.
+  /// Reads a file and turns lone carriage returns into line feeds.
   ///
+  /// What stands far behind the first NUL is left out, since no reader goes beyond a NUL.
   /// False for a file that cannot be opened, is not a regular file, holds 2^31 - 1 bytes or more,
   /// or yields fewer bytes than its size; the buffer is then empty. The name is UTF-8.
   bool loadFile(const std::string& name, OpenFunction open = openFile);

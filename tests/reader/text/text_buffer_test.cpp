@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <utility>
 
 #include "harness/harness.h"
@@ -142,21 +143,28 @@ TEST(LoadFile, RefusesAFileWhoseSizeItCannotCount) {
   expectRefused(folder.file("big"));
 }
 
-// Opens a file that went away since it was looked at.
-int openVanished(std::FILE** file, const char* name, const char* mode) {
-  std::filesystem::remove(name);
+// The file that openers of a test change; they are asked for it under another name.
+std::string contested;
+
+// Opens a file that loses its name, to a folder, once it was looked at.
+int openBehindAFolder(std::FILE** file, const char* name, const char* mode) {
+  std::filesystem::remove(contested);
+  std::filesystem::create_directory(contested);
   return openFile(file, name, mode);
 }
 
-int openAsFolder(std::FILE** file, const char* name, const char* mode) {
-  std::filesystem::remove(name);
-  std::filesystem::create_directory(name);
-  return openFile(file, name, mode);
+int openAFolder(std::FILE** file, const char*, const char* mode) {
+  return openFile(file, std::filesystem::path(contested).parent_path().c_str(), mode);
+}
+
+int openNothing(std::FILE** file, const char*, const char*) {
+  *file = nullptr;
+  return EACCES;
 }
 
 int openAndRemove(std::FILE** file, const char* name, const char* mode) {
   const int fault = openFile(file, name, mode);
-  std::filesystem::remove(name);
+  std::filesystem::remove(contested);
   return fault;
 }
 
@@ -167,23 +175,40 @@ int openBehindItsStart(std::FILE** file, const char* name, const char* mode) {
   return fault;
 }
 
-TEST(LoadFile, RefusesAFileThatChangesWhileItIsOpened) {
-  for (const OpenFunction opener : {openVanished, openAsFolder, openBehindItsStart}) {
+TEST(LoadFile, RefusesWhatIsOpenedAsAnythingButTheWholeFile) {
+  for (const OpenFunction opener : {openNothing, openAFolder, openBehindItsStart}) {
     const TemporaryFolder folder;
-    writeWholeFile(folder.file("a.ibs"), "abc");
+    contested = folder.write("a.ibs", "abc");
     TextBuffer buffer("earlier");
-    EXPECT_FALSE(buffer.loadFile(folder.file("a.ibs"), opener));
+    EXPECT_FALSE(buffer.loadFile(contested, opener));
     EXPECT_TRUE(buffer.empty());
   }
 }
 
-TEST(LoadFile, TakesAFileThatIsRemovedWhileItIsOpen) {
+TEST(LoadFile, TakesAFileThatLosesItsNameWhileItIsOpened) {
+  for (const OpenFunction opener : {openBehindAFolder, openAndRemove}) {
+    const TemporaryFolder folder;
+    contested = folder.write("a.ibs", "abc");
+    TextBuffer buffer;
+    EXPECT_TRUE(buffer.loadFile(contested, opener));
+    EXPECT_EQ(buffer.text(), "abc");
+  }
+}
+
+// What is read beyond the first NUL is the rest of the piece that it stands in.
+TEST(LoadFile, ReadsAFileThatIsPaddedUpToThePieceOfItsFirstNul) {
+  constexpr std::size_t piece = 4096;
   const TemporaryFolder folder;
-  writeWholeFile(folder.file("a.ibs"), "abc");
-  TextBuffer buffer;
-  EXPECT_TRUE(buffer.loadFile(folder.file("a.ibs"), openAndRemove));
-  EXPECT_EQ(buffer.text(), "abc");
-  EXPECT_EQ(folder.names(), Texts());
+  const std::vector<std::pair<std::size_t, std::size_t>> cases = {
+      {3, piece}, {piece - 1, piece}, {piece, 2 * piece}, {5 * piece, 6 * piece}};
+  for (const auto& [written, taken] : cases) {
+    const std::string text(written, 'x');
+    const std::string name = folder.write("a.ibs", text);
+    std::filesystem::resize_file(name, 0x7ffffffeu);
+    TextBuffer buffer;
+    ASSERT_TRUE(buffer.loadFile(name));
+    EXPECT_EQ(buffer.text(), text + std::string(taken - written, '\0'));
+  }
 }
 
 // The kernel gives such files a size of one page and far fewer bytes.
