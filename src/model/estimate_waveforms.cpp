@@ -8,6 +8,7 @@
 #include "host/diagnostics/messages.h"
 #include "model/iv_table.h"
 #include "model/model_types.h"
+#include "model/numbers/sums.h"
 
 namespace ibis {
 namespace {
@@ -149,14 +150,6 @@ TimeAxis timeAxis(bool noDelay, const IBISTriple& rampTime) {
   return {.start = tMin * factor, .end = step + tMax * (factor + spanFactor), .step = step};
 }
 
-// Calls take(t) for each step, at most limit times. The steps are added up, since a product would
-// change the last digits.
-template <class Take>
-void forEachStep(const TimeAxis& axis, std::int32_t limit, Take take) {
-  std::int32_t count = 0;
-  for (double t = axis.start; t < axis.end && count < limit; t += axis.step, ++count) take(t);
-}
-
 // Rounding moves a sum of maxTimePoints steps by far less than one step. So a division decides,
 // and steps are counted only near the limit.
 bool isTooLong(const TimeAxis& axis) {
@@ -164,10 +157,7 @@ bool isTooLong(const TimeAxis& axis) {
   const std::int32_t limit = maxTimePoints - (axis.hasZero() ? 1 : 0);
   const double steps = (axis.end - axis.start) / axis.step;
   if (!(steps > limit - margin)) return false;
-  if (steps > limit + margin) return true;
-  std::int32_t count = 0;
-  forEachStep(axis, maxTimePoints + 1, [&](double) { ++count; });
-  return count > limit;
+  return steps > limit + margin || countSums(axis.start, axis.end, axis.step) > limit;
 }
 
 void addWaveform(std::vector<IBISWaveform>& list, std::int32_t kind, bool noDelay,
@@ -188,7 +178,8 @@ void buildTimePoints(IBISWaveform& waveform, std::int32_t kind, bool noDelay,
   waveform.kind = kind;
   if (axis.hasZero()) waveform.time.append(0.0);
   if (!axis.hasSteps() || isTooLong(axis)) return;
-  forEachStep(axis, maxTimePoints, [&](double t) { waveform.time.append(t); });
+  // The steps are added up, since a product would change the last digits.
+  for (double t = axis.start; t < axis.end; t += axis.step) waveform.time.append(t);
 }
 
 YVector<double> estimatedTimes(const IBISEstimate& estimate) {
