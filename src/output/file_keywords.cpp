@@ -177,7 +177,7 @@ bool writePackageModel(OutputRun& run, OutputStream* out, const KeywordPosition&
   const IBISPackageModel* model = findPackageModel(run.file(), name);
   if (model == nullptr) return true;
   const PackageNodes nodes(*model, *run.component());
-  out->write(buildPackageNetlist(*model, nodes.names, run.component()->spiceName));
+  writePackageNetlist(*out, *model, nodes.names);
   out->write('\n');
   return true;
 }

@@ -1,4 +1,5 @@
 #include "harness/counted_memory.h"
+#include "package/netlist/netlist.h"
 #include "robustness/load_call.h"
 
 namespace ibis::testing {
@@ -325,6 +326,45 @@ TEST_P(Growth, OfTheFileDoublesMemoryWhereItDoubles) {
 
 INSTANTIATE_TEST_SUITE_P(Kinds, Growth, ::testing::ValuesIn(kinds),
                          [](const auto& each) { return std::string(each.param.name); });
+
+// Counts what it is given and keeps nothing.
+class CountingTarget final : public SinkTarget {
+ public:
+  explicit CountingTarget(std::size_t& count) : count_(count) {}
+  bool write(std::string_view text) override {
+    count_ += text.size();
+    return true;
+  }
+  bool close() override { return true; }
+
+ private:
+  std::size_t& count_;
+};
+
+class CountingSink final : public Sink {
+ public:
+  std::unique_ptr<SinkTarget> open(const std::string&) override {
+    return std::make_unique<CountingTarget>(count);
+  }
+  bool keep(const std::string&) override { return true; }
+
+  std::size_t count = 0;
+};
+
+// The names of the nodes stand in each term, so the text is far larger than what it is made from.
+TEST(Growth, APackageNetlistIsNeverInMemoryAsAWhole) {
+  IBISPackageModel model;
+  model.numberOfPins = 2;
+  model.capacitance.assign(100000, {.row = 1, .column = 2, .value = 1.0});
+  const std::string name(230, 'a');
+  const std::vector<std::string_view> nodes = {name, name};
+  CountingSink sink;
+  const std::unique_ptr<OutputStream> out = OutputStream::open(sink, "out");
+  const NoLargeMemory limit(2'000'000);
+  writePackageNetlist(*out, model, nodes);
+  EXPECT_TRUE(out->close());
+  EXPECT_GT(sink.count, 24'000'000u);
+}
 
 }  // namespace
 }  // namespace ibis::testing

@@ -48,13 +48,13 @@ std::vector<const IBISMatrixEntry*> orderByRow(std::span<const IBISMatrixEntry> 
   return entries;
 }
 
-std::string nodeList(std::string_view prefix, std::span<const std::string_view> nodes,
-                     std::int32_t count) {
-  std::string text;
+void writeNodes(OutputStream& out, std::string_view prefix, std::span<const std::string_view> nodes,
+                std::int32_t count) {
   for (std::int32_t place = 1; place <= count; ++place) {
-    text.append(" ").append(prefix).append(nodeName(nodes, place));
+    out.write(' ');
+    out.write(prefix);
+    out.write(nodeName(nodes, place));
   }
-  return text;
 }
 
 }  // namespace
@@ -65,34 +65,31 @@ std::string replaceFirst(std::string text, std::string_view pattern, std::string
   return text;
 }
 
-std::string matrixText(std::span<const IBISMatrixEntry> matrix, const IBISPackageModel& model,
-                       std::span<const std::string_view> nodes, std::string_view term,
-                       std::string_view head) {
+void writeMatrix(OutputStream& out, std::span<const IBISMatrixEntry> matrix,
+                 const IBISPackageModel& model, std::span<const std::string_view> nodes,
+                 std::string_view term, std::string_view head) {
   const std::vector<const IBISMatrixEntry*> entries = orderByRow(matrix, model.numberOfPins);
   auto entry = entries.begin();
-  std::string text;
   for (std::int32_t row = 1; row <= model.numberOfPins; ++row) {
-    text += rowHead(head, row, nodeName(nodes, row));
+    out.write(rowHead(head, row, nodeName(nodes, row)));
     for (bool isFirst = true; entry != entries.end() && (*entry)->row == row; ++entry) {
       // A negative number has its own operator.
-      text += isFirst || (*entry)->value < 0.0 ? " " : " + ";
-      text += entryTerm(term, **entry, nodeName(nodes, (*entry)->column));
+      out.write(isFirst || (*entry)->value < 0.0 ? " " : " + ");
+      out.write(entryTerm(term, **entry, nodeName(nodes, (*entry)->column)));
       isFirst = false;
     }
-    text += '\n';
+    out.write('\n');
   }
-  return text;
 }
 
-std::string buildPackageNetlist(const IBISPackageModel& model,
-                                std::span<const std::string_view> nodes, std::string_view) {
-  std::string text = nodeList("IN_", nodes, model.numberOfPins);
-  text += nodeList("OUT_", nodes, model.numberOfPins);
-  text += '\n';
-  text += matrixText(model.capacitance, model, nodes, capacitor.term, capacitor.head);
-  text += matrixText(model.inductance, model, nodes, inductor.term, inductor.head);
-  text += matrixText(model.resistance, model, nodes, resistor.term, resistor.head);
-  return text;
+void writePackageNetlist(OutputStream& out, const IBISPackageModel& model,
+                         std::span<const std::string_view> nodes) {
+  writeNodes(out, "IN_", nodes, model.numberOfPins);
+  writeNodes(out, "OUT_", nodes, model.numberOfPins);
+  out.write('\n');
+  writeMatrix(out, model.capacitance, model, nodes, capacitor.term, capacitor.head);
+  writeMatrix(out, model.inductance, model, nodes, inductor.term, inductor.head);
+  writeMatrix(out, model.resistance, model, nodes, resistor.term, resistor.head);
 }
 
 }  // namespace ibis

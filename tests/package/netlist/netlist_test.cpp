@@ -16,10 +16,27 @@ IBISPackageModel modelOf(std::int32_t pins) {
   return model;
 }
 
+// What a writer puts into a file, which takes it piece by piece.
+template <class Writer>
+std::string written(Writer write) {
+  MemorySink sink;
+  const std::unique_ptr<OutputStream> out = OutputStream::open(sink, "out");
+  write(*out);
+  EXPECT_TRUE(out->close());
+  EXPECT_TRUE(sink.keep("out"));
+  return sink.files().at("out");
+}
+
+std::string netlist(const IBISPackageModel& model, const Nodes& nodes) {
+  return written([&](OutputStream& out) { writePackageNetlist(out, model, nodes); });
+}
+
 /// The lines of a matrix of two pins A and B in a form of which everything shows.
 std::string shown(const Matrix& matrix, std::int32_t pins = 2, const Nodes& nodes = {"A", "B"}) {
-  return matrixText(matrix, modelOf(pins), nodes, "%value% at %column% %colnode%/%colnode%",
-                    "%row% %rownode%/%rownode%:");
+  return written([&](OutputStream& out) {
+    writeMatrix(out, matrix, modelOf(pins), nodes, "%value% at %column% %colnode%/%colnode%",
+                "%row% %rownode%/%rownode%:");
+  });
 }
 
 TEST(ReplaceFirst, ReplacesTheFirstOccurrenceAlone) {
@@ -38,28 +55,28 @@ TEST(ReplaceFirst, ReplacesTheFirstOccurrenceAlone) {
   }
 }
 
-TEST(MatrixText, GivesEachRowItsHeadAndItsEntriesInTheirOrder) {
+TEST(WriteMatrix, GivesEachRowItsHeadAndItsEntriesInTheirOrder) {
   EXPECT_EQ(shown({{2, 2, 4}, {1, 2, 2}, {2, 1, 3}, {1, 1, 1}}),
             "1 A/A: 2 at 2 B/B + 1 at 1 A/A\n"
             "2 B/B: 4 at 2 B/B + 3 at 1 A/A\n");
 }
 
-TEST(MatrixText, KeepsRepeatedPlaces) {
+TEST(WriteMatrix, KeepsRepeatedPlaces) {
   EXPECT_EQ(shown({{1, 1, 1}, {1, 1, 1}}), "1 A/A: 1 at 1 A/A + 1 at 1 A/A\n2 B/B:\n");
 }
 
-TEST(MatrixText, GivesARowWithoutEntriesItsHead) { EXPECT_EQ(shown({}), "1 A/A:\n2 B/B:\n"); }
+TEST(WriteMatrix, GivesARowWithoutEntriesItsHead) { EXPECT_EQ(shown({}), "1 A/A:\n2 B/B:\n"); }
 
-TEST(MatrixText, PutsANegativeValueBehindABlank) {
+TEST(WriteMatrix, PutsANegativeValueBehindABlank) {
   EXPECT_EQ(shown({{1, 1, 1}, {1, 2, -0.25}, {1, 1, 2}, {2, 1, -3}}),
             "1 A/A: 1 at 1 A/A -0.25 at 2 B/B + 2 at 1 A/A\n2 B/B: -3 at 1 A/A\n");
 }
 
-TEST(MatrixText, PutsAValueOfZeroBehindAPlusSign) {
+TEST(WriteMatrix, PutsAValueOfZeroBehindAPlusSign) {
   EXPECT_EQ(shown({{1, 1, 1}, {1, 2, 0}}), "1 A/A: 1 at 1 A/A + 0 at 2 B/B\n2 B/B:\n");
 }
 
-TEST(MatrixText, PrintsAValueAtFifteenDigits) {
+TEST(WriteMatrix, PrintsAValueAtFifteenDigits) {
   const std::pair<double, const char*> rows[] = {
       {0.1, "0.1"},
       {1.234567890123456, "1.23456789012346"},
@@ -80,35 +97,35 @@ TEST(MatrixText, PrintsAValueAtFifteenDigits) {
   }
 }
 
-TEST(MatrixText, DropsAnEntryWithoutARowOfItsOwn) {
+TEST(WriteMatrix, DropsAnEntryWithoutARowOfItsOwn) {
   EXPECT_EQ(shown({{0, 0, 5}, {-1, 1, 6}, {1, 1, 1}, {3, 1, 7}}), "1 A/A: 1 at 1 A/A\n2 B/B:\n");
 }
 
-TEST(MatrixText, GivesANodeBeyondTheNamesTheEmptyName) {
+TEST(WriteMatrix, GivesANodeBeyondTheNamesTheEmptyName) {
   EXPECT_EQ(shown({{1, 3, 1}, {1, 0, 2}, {3, 1, 3}}, 3, {"A"}),
             "1 A/A: 1 at 3 / + 2 at 0 /\n2 /:\n3 /: 3 at 1 A/A\n");
 }
 
 // Field by field in their order, the first occurrence each time, names included.
-TEST(MatrixText, ReplacesAFieldThatANameBringsIn) {
+TEST(WriteMatrix, ReplacesAFieldThatANameBringsIn) {
   EXPECT_EQ(shown({}, 1, {"<%rownode%>"}), "1 <<%rownode%>>/%rownode%:\n");
   EXPECT_EQ(shown({}, 1, {"%row%"}), "1 %row%/%row%:\n");
   EXPECT_EQ(shown({{1, 1, 1}}, 1, {"<%colnode%>"}),
             "1 <%colnode%>/<%colnode%>: 1 at 1 <<%colnode%>>/%colnode%\n");
 }
 
-TEST(MatrixText, HasNoLineForAModelWithoutPins) {
+TEST(WriteMatrix, HasNoLineForAModelWithoutPins) {
   EXPECT_EQ(shown({{1, 1, 1}}, 0), "");
   EXPECT_EQ(shown({{1, 1, 1}}, -3), "");
 }
 
-TEST(BuildPackageNetlist, GivesEachPinThreeElementsBehindThePorts) {
+TEST(WritePackageNetlist, GivesEachPinThreeElementsBehindThePorts) {
   IBISPackageModel model = modelOf(2);
   model.resistance = {{1, 1, 0.5}, {2, 2, 0.25}};
   model.inductance = {{1, 1, 2}, {1, 2, -1}, {2, 1, -1}, {2, 2, 4}};
   model.capacitance = {{1, 1, 8}, {1, 2, 3}, {2, 1, 3}, {2, 2, 16}};
   EXPECT_EQ(
-      buildPackageNetlist(model, Nodes{"D0", "D1"}, "U1"),
+      netlist(model, Nodes{"D0", "D1"}),
       lines({" IN_D0 IN_D1 OUT_D0 OUT_D1", "BC_1 IN_D0 REF q= 8*V(IN_D0,REF) + 3*V(IN_D1,REF)",
              "BC_2 IN_D1 REF q= 3*V(IN_D0,REF) + 16*V(IN_D1,REF)",
              "BL_1 IN_D0 L_D0 flux= 2*I(BL_1) -1*I(BL_2)",
@@ -116,36 +133,36 @@ TEST(BuildPackageNetlist, GivesEachPinThreeElementsBehindThePorts) {
              "BR_2 L_D1 OUT_D1 v= 0.25*I(BL_2)"}));
 }
 
-TEST(BuildPackageNetlist, PutsTheMirroredTermAheadOfTheDiagonalOfItsRow) {
+TEST(WritePackageNetlist, PutsTheMirroredTermAheadOfTheDiagonalOfItsRow) {
   const Parsed parsed(
       "[IBIS Ver] 4.2\n[Define Package Model] P\n[Number Of Pins] 2\n[Pin Numbers]\n1\n2\n"
       "[Model Data]\n[Capacitance Matrix] Sparse_matrix\n[Row] 1\n1 1e-12\n2 2e-13\n"
       "[Row] 2\n2 1e-12\n[End Model Data]\n");
   EXPECT_MESSAGES(parsed.errors());
   EXPECT_EQ(
-      buildPackageNetlist(*parsed.file.data().packageModels[0], Nodes{"A", "B"}, ""),
+      netlist(*parsed.file.data().packageModels[0], Nodes{"A", "B"}),
       lines({" IN_A IN_B OUT_A OUT_B", "BC_1 IN_A REF q= 1e-12*V(IN_A,REF) + 2e-13*V(IN_B,REF)",
              "BC_2 IN_B REF q= 2e-13*V(IN_A,REF) + 1e-12*V(IN_B,REF)", "BL_1 IN_A L_A flux=",
              "BL_2 IN_B L_B flux=", "BR_1 L_A OUT_A v=", "BR_2 L_B OUT_B v="}));
 }
 
-TEST(BuildPackageNetlist, GivesASingleLineFeedForAModelWithoutPins) {
-  EXPECT_EQ(buildPackageNetlist(modelOf(0), Nodes{"A"}, "U1"), "\n");
+TEST(WritePackageNetlist, GivesASingleLineFeedForAModelWithoutPins) {
+  EXPECT_EQ(netlist(modelOf(0), Nodes{"A"}), "\n");
 }
 
-TEST(BuildPackageNetlist, BuildsAModelOfMadeUpNamesLikeAnyOther) {
+TEST(WritePackageNetlist, BuildsAModelOfMadeUpNamesLikeAnyOther) {
   IBISPackageModel model = modelOf(2);
   model.capacitance = {{1, 2, 1}};
-  EXPECT_EQ(buildPackageNetlist(model, Nodes{"ERROR_1", "ERROR_2"}, "U1"),
+  EXPECT_EQ(netlist(model, Nodes{"ERROR_1", "ERROR_2"}),
             lines({" IN_ERROR_1 IN_ERROR_2 OUT_ERROR_1 OUT_ERROR_2",
                    "BC_1 IN_ERROR_1 REF q= 1*V(IN_ERROR_2,REF)", "BC_2 IN_ERROR_2 REF q=",
                    "BL_1 IN_ERROR_1 L_ERROR_1 flux=", "BL_2 IN_ERROR_2 L_ERROR_2 flux=",
                    "BR_1 L_ERROR_1 OUT_ERROR_1 v=", "BR_2 L_ERROR_2 OUT_ERROR_2 v="}));
 }
 
-TEST(BuildPackageNetlist, LeavesPinsBeyondTheNamesUnnamed) {
+TEST(WritePackageNetlist, LeavesPinsBeyondTheNamesUnnamed) {
   EXPECT_EQ(
-      buildPackageNetlist(modelOf(2), Nodes{"A"}, ""),
+      netlist(modelOf(2), Nodes{"A"}),
       lines({" IN_A IN_ OUT_A OUT_", "BC_1 IN_A REF q=", "BC_2 IN_ REF q=", "BL_1 IN_A L_A flux=",
              "BL_2 IN_ L_ flux=", "BR_1 L_A OUT_A v=", "BR_2 L_ OUT_ v="}));
 }
