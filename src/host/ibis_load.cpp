@@ -6,6 +6,7 @@
 #include "host/diagnostics/format_message.h"
 #include "host/diagnostics/messages.h"
 #include "host/load_sequence.h"
+#include "model/numbers/float_environment.h"
 #include "support/script_function.h"
 
 namespace ibis {
@@ -173,6 +174,7 @@ FUNC_ERROR IBIS_Load(const FuncArgsMinimal& arguments, FuncResultMinimal* result
                      // NOLINTNEXTLINE(performance-unnecessary-value-param): the host's interface
                      YRef<MessageHandler> handler, const ScpParseContext&, const FunctionRunTime&) {
   const FinishGuard finish(*result);
+  const FloatEnvironment own;  // ends first, so that the host finishes in its own
   return loadWithHandler(arguments, *result, handler);
 }
 

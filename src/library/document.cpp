@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "host/diagnostics/messages.h"
+#include "model/numbers/float_environment.h"
 #include "reader/file/parser.h"
 #include "reader/text/text_buffer.h"
 
@@ -46,6 +47,7 @@ const std::vector<Diagnostic>& Document::diagnostics() const { return content_->
 bool Document::hasErrors() const { return content_->file.hasErrors(); }
 
 Document read(const std::string& path, const ReadOptions& options) {
+  const FloatEnvironment own;
   auto content = std::make_unique<Document::Content>();
   if (content->text.loadFile(path)) {
     std::error_code fault;
@@ -60,6 +62,7 @@ Document read(const std::string& path, const ReadOptions& options) {
 }
 
 Document readText(std::string_view text, const ReadOptions& options) {
+  const FloatEnvironment own;
   auto content = std::make_unique<Document::Content>();
   content->text.assign(text);
   content->text.convertLineEnds();
