@@ -23,6 +23,7 @@
 #include "selections.h"
 #include "source_fault.h"
 #include "tolerant_reading.h"
+#include "written_checks.h"
 
 namespace ibis::cli {
 namespace {
@@ -175,21 +176,18 @@ std::optional<Diagnostic> write(Load& load, const ConversionRequest& request, Co
   return std::nullopt;
 }
 
-// Warns, model by model, of values that are not finite and of waveforms without points.
+template <class T>
+void append(std::vector<T>& to, std::vector<T>&& from) {
+  std::ranges::move(from, std::back_inserter(to));
+}
+
+// Warns, model by model, of waveforms without points.
 void warnOfModels(const Load& load, Conversion& result) {
   if (load.mode() != OutputMode::model || result.files.empty()) return;
-  const std::string& library = result.files.front();
-  const bool isFinite =
-      std::ranges::find(load.nonFiniteFiles(), library) == load.nonFiniteFiles().end();
   for (const IBISModel* model : load.chosenComponent()->models) {
-    const std::string name = model->name.str();
-    if (!isFinite && !hasFiniteData(*model)) {
-      result.warnings.push_back(tell(Severity::warning, message::valueNotFinite, model->lineNumber,
-                                     name.c_str(), library.c_str()));
-    }
     if (lacksPoints(*model)) {
       result.warnings.push_back(tell(Severity::warning, message::tooManyEstimatedPoints,
-                                     model->lineNumber, name.c_str(), maxTimePoints));
+                                     model->lineNumber, model->name.str().c_str(), maxTimePoints));
     }
   }
 }
@@ -238,6 +236,7 @@ Conversion convertOne(const ConversionRequest& request) {
   result.errors = std::move(load.file().data().errors);
   if (request.isChecked) result.findings = checkErrors(load.text(), request.source, result.errors);
   if (obstacle) result.errors.push_back(std::move(*obstacle));
+  append(result.warnings, checkWritten(load, result.files));
   warnOfModels(load, result);
   if (request.reading.keepGoing) {
     removeRepeats(result.warnings);
@@ -259,11 +258,6 @@ std::vector<std::string> componentsOf(const ConversionRequest& request) {
     if (std::ranges::find(names, name) == names.end()) names.push_back(std::move(name));
   }
   return names;
-}
-
-template <class T>
-void append(std::vector<T>& to, std::vector<T>&& from) {
-  std::ranges::move(from, std::back_inserter(to));
 }
 
 // What several conversions of one file say of the file is said once.
