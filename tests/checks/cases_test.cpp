@@ -102,6 +102,7 @@ TEST(Cases, TellEachFindingWithTextPlaceAndRemedy) {
     }
     if (rewrites) std::ofstream(name, std::ios::binary) << writeCases(headOf(name), cases);
   }
+  if (rewrites) GTEST_SKIP() << "rewritten and not compared, as IBIS_REWRITE_GOLDEN is set";
 }
 
 TEST(Cases, ProvokeTheRuleThatTheyAreCalledBy) {

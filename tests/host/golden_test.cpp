@@ -111,7 +111,10 @@ class Golden : public ::testing::TestWithParam<GoldenCase> {};
 TEST_P(Golden, LoadGivesTheSameBytes) {
   const fs::path folder = fs::path(IBIS_SOURCE_DIR) / "tests" / "golden" / GetParam().name;
   const Files files = runCase(GetParam());
-  if (std::getenv("IBIS_REWRITE_GOLDEN") != nullptr) rewriteGolden(folder, files);
+  if (std::getenv("IBIS_REWRITE_GOLDEN") != nullptr) {
+    rewriteGolden(folder, files);
+    GTEST_SKIP() << "rewritten and not compared, as IBIS_REWRITE_GOLDEN is set";
+  }
   const Files golden = readGolden(folder);
   ASSERT_EQ(namesOf(files), namesOf(golden));
   for (const auto& [name, text] : files) EXPECT_EQ(text, golden.at(name)) << name;
