@@ -4,6 +4,7 @@
 #include <cmath>
 #include <string_view>
 
+#include "model/estimate_waveforms.h"
 #include "model/numbers/numbers.h"
 #include "reader/file/parser.h"
 
@@ -17,15 +18,18 @@ inline bool promisesManyPins(IBISRecords records) {
   });
 }
 
-/// Whether one corner of a ramp is far slower than another, whose hundredth part is the step of
-/// both.
+/// Whether one corner of a ramp is so much slower than another, whose hundredth part is the step of
+/// both, that an estimated waveform has very many points. Beyond that it would have too many and
+/// has none, which costs nothing.
 inline bool isUnequal(const IBISTriple& time) {
   constexpr double mostUnequal = 10.0;
+  constexpr double pointsOfSlowest = 200.0;  // for each time that it is slower, at the least
   const double typ = std::fabs(time.typ);
   const double min = std::fabs(time.min);
   const double max = std::fabs(time.max);
   const double fastest = std::fmin(typ, std::fmin(min, max));
-  return fastest > 0.0 && std::fmax(typ, std::fmax(min, max)) > mostUnequal * fastest;
+  const double ratio = std::fmax(typ, std::fmax(min, max)) / fastest;
+  return fastest > 0.0 && ratio > mostUnequal && ratio * pointsOfSlowest < maxTimePoints + 1;
 }
 
 /// Whether a few bytes of the text ask for so much output that a fuzzer would do nothing else.

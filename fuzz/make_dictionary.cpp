@@ -4,6 +4,7 @@
 
 #include <cstring>
 #include <fstream>
+#include <iterator>
 #include <set>
 #include <string>
 
@@ -15,8 +16,56 @@ namespace {
 
 using Words = std::set<std::string>;
 
+// Words that stand beside the code that reads them and in no table.
+constexpr const char* otherWords[] = {
+    "signal_name",
+    "model_name",
+    "R_pin",
+    "L_pin",
+    "C_pin",
+    "inv_pin",
+    "vdiff",
+    "tdelay_typ",
+    "tdelay_min",
+    "tdelay_max",
+    "pulldown_ref",
+    "pullup_ref",
+    "gnd_clamp_ref",
+    "power_clamp_ref",
+    "pin_2",
+    "function_table_group",
+    "Si_location",
+    "Timing_location",
+    "Die",
+    "R_pkg",
+    "L_pkg",
+    "C_pkg",
+    "Full_matrix",
+    "Banded_matrix",
+    "Sparse_matrix",
+    "dV/dt_r",
+    "dV/dt_f",
+    "R_load",
+    "Non-Inverting",
+    "Inverting",
+    "Active-High",
+    "Active-Low",
+    "Vds",
+    "_char",
+    "On",
+    "Off",
+    "NA",
+    "nan",
+    "inf",
+    "1e400",
+    "0x1p-1074",
+    "GND",
+    "POWER",
+    "NC",
+};
+
 Words ibisWords() {
-  Words words;
+  Words words(std::begin(otherWords), std::end(otherWords));
   for (const KeywordRow& row : keywordTable()) words.insert('[' + std::string(row.name) + ']');
   for (const SubParameterRow& row : subParameterTable()) words.emplace(row.name);
   for (const ModelTypeRow& row : modelTypeTable()) words.insert(row.name);
