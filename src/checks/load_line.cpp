@@ -129,6 +129,7 @@ double PadCurrent::at(double pad) const {
 // The sum of currents is one line between neighbouring breaks, so that each piece is solved
 // exactly; pieces are looked at from the expected voltage outwards, until none can be nearer.
 double PadCurrent::settled(double loadVoltage, double load, double expected) const {
+  if (!std::isfinite(loadVoltage + load + expected)) return notGiven;
   if (breaks_.empty()) return loadVoltage;
   constexpr double beyond = 10.0;
   const std::size_t last = breaks_.size() + 1;
@@ -164,8 +165,9 @@ double PadCurrent::settled(double loadVoltage, double load, double expected) con
     const double toLeft = left > 0 ? expected - low.x : infinite;
     const double toRight = right < last ? high.x - expected : infinite;
     if (std::min(toLeft, toRight) >= std::abs(best - expected)) break;
-    Point& end = toLeft < toRight ? low : high;
-    const Point next = pointAt(toLeft < toRight ? --left : ++right);
+    const bool goesLeft = left > 0 && (right == last || toLeft < toRight);
+    Point& end = goesLeft ? low : high;
+    const Point next = pointAt(goesLeft ? --left : ++right);
     look(end, next);
     end = next;
   }

@@ -46,6 +46,34 @@ TEST(Check, TakesAnEmptyText) {
   EXPECT_EQ(findings[0].id, "syntax-not-ibis");
 }
 
+// Each word of the sound buffer that begins as a number does, and its length.
+std::vector<std::pair<std::size_t, std::size_t>> numbersOf(const std::string& text) {
+  std::vector<std::pair<std::size_t, std::size_t>> numbers;
+  std::size_t end = 0;
+  for (;;) {
+    const std::size_t begin = text.find_first_not_of(" \t\n", end);
+    if (begin == text.npos) return numbers;
+    end = std::min(text.find_first_of(" \t\n", begin), text.size());
+    if (std::string_view("-.0123456789").find(text[begin]) == std::string_view::npos) continue;
+    numbers.emplace_back(begin, end - begin);
+  }
+}
+
+// What is told matters less than that the check ends.
+TEST(Check, TakesNumbersThatAreNotFiniteInEachPlace) {
+  const std::string sound = example("push_pull_buffer.ibs");
+  const auto numbers = numbersOf(sound);
+  EXPECT_GT(numbers.size(), 500U);
+  std::size_t silent = 0;
+  for (const auto& [place, length] : numbers) {
+    for (const std::string other : {"nan", "1e400"}) {
+      std::string text = sound;
+      if (checks::check(text.replace(place, length, other)).empty()) ++silent;
+    }
+  }
+  EXPECT_LT(silent, numbers.size() / 2);
+}
+
 TEST(Syntax, KeepsWordsWithTheirColumns) {
   const checks::Syntax syntax("[Model] x | comment\nVmeas=1.5V  | two\n\tC_comp 1p\n");
   ASSERT_EQ(syntax.lines().size(), 3U);
