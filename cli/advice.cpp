@@ -17,13 +17,6 @@ void addNote(Diagnostic& error, std::string text, std::int32_t line = 0) {
   if (!text.empty()) error.notes.push_back({.line = line, .text = std::move(text)});
 }
 
-// What was meant, else what there is.
-void addNames(Diagnostic& error, std::string_view name, const std::vector<std::string>& names,
-              const std::string& there) {
-  std::string meant = meantText(name, names);
-  addNote(error, meant.empty() && !names.empty() ? there + namesText(names) : std::move(meant));
-}
-
 // What stands between the first quotes of a text.
 std::string quotedIn(std::string_view text) {
   const std::size_t begin = text.find('\'');

@@ -2,9 +2,12 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
 
 #include "export_source.h"
 #include "messages.h"
+#include "near_names.h"
+#include "pin_requests.h"
 
 namespace ibis::cli {
 namespace {
@@ -36,15 +39,6 @@ void choosePins(ExportChoice& choice) {
   }
 }
 
-void checkPins(const ExportChoice& choice, Export& result) {
-  for (const std::string& name : choice.request.pins) {
-    const auto isNamed = [&](const IBISPin& pin) { return pin.name == name; };
-    if (std::ranges::any_of(choice.component->pins, isNamed)) continue;
-    result.errors.push_back(tell(Severity::error, message::noSuchPin,
-                                 choice.component->name.str().c_str(), name.c_str()));
-  }
-}
-
 const IBISComponent* findComponent(const IBISFileData& data, const std::string& name) {
   for (const auto& component : data.components) {
     if (name.empty() || component->name == name) return component.get();
@@ -52,18 +46,26 @@ const IBISComponent* findComponent(const IBISFileData& data, const std::string& 
   return nullptr;
 }
 
+Diagnostic refuseComponent(const IBISFileData& data, const std::string& name) {
+  if (name.empty()) return tell(Severity::error, message::noComponent);
+  std::vector<std::string> names;
+  for (const auto& component : data.components) names.push_back(component->name.str());
+  Diagnostic error = tell(Severity::error, message::noSuchComponent, name.c_str());
+  addNames(error, name, names);
+  return error;
+}
+
 void chooseComponent(ExportChoice& choice, Export& result) {
   const std::string& name = choice.request.component;
   choice.component = findComponent(choice.data, name);
   if (choice.component == nullptr) {
-    result.errors.push_back(name.empty()
-                                ? tell(Severity::error, message::noComponent)
-                                : tell(Severity::error, message::noSuchComponent, name.c_str()));
+    result.errors.push_back(refuseComponent(choice.data, name));
     return;
   }
   choice.word = spiceWord(choice.component->name);
   choice.componentWord = choice.names.take(choice.word);
-  checkPins(choice, result);
+  std::ranges::move(checkPins(choice.request.pins, {choice.component}),
+                    std::back_inserter(result.errors));
   choosePins(choice);
 }
 
@@ -71,7 +73,7 @@ void chooseModels(ExportChoice& choice, Export& result) {
   std::vector<std::string> unknown;
   choice.models = devicesNamed(choice.data, choice.request.models, unknown);
   for (const std::string& name : unknown) {
-    result.errors.push_back(tell(Severity::error, message::noSuchModel, name.c_str()));
+    result.errors.push_back(refuseModel(choice.data, name));
   }
   choice.word = spiceWord(std::filesystem::path(choice.request.source).stem().string());
 }

@@ -193,14 +193,14 @@ void writeCorner(ExportChoice& choice, int corner, Export& result) {
 
 Export exportFile(const ExportRequest& request) {
   Export result;
-  const Document source = readForExport(request.source, request.selections);
-  if (auto refusal = findRefusal(source, request.source)) {
-    result.errors.push_back(std::move(*refusal));
+  ExportSource source = readForExport(request.source, request.selections);
+  if (source.refusal) {
+    result.errors.push_back(std::move(*source.refusal));
     return result;
   }
-  result.warnings = source.file().warnings;
-  ExportChoice choice{
-      .request = request, .data = source.file(), .dialect = *findDialect(request.format)};
+  const IBISFileData& data = source.document->file();
+  result.warnings = data.warnings;
+  ExportChoice choice{.request = request, .data = data, .dialect = *findDialect(request.format)};
   choose(choice, result);
   if (choice.component != nullptr) chooseSeries(choice, result);
   if (!choice.series.empty()) forgetSeriesRefusals(result.warnings);

@@ -3,7 +3,10 @@
 #include <algorithm>
 
 #include "host/diagnostics/messages.h"
+#include "input_text.h"
+#include "messages.h"
 #include "model/model_types.h"
+#include "near_names.h"
 #include "source_fault.h"
 
 namespace ibis::cli {
@@ -16,18 +19,33 @@ struct CornerRow {
 
 constexpr CornerRow corners[] = {{"typ", corner::typ}, {"min", corner::min}, {"max", corner::max}};
 
-}  // namespace
-
-Document readForExport(const std::string& path, const std::vector<std::string>& selections) {
-  return read(path, {.newerVersions = true, .keepGoing = true, .selections = selections});
-}
-
 std::optional<Diagnostic> findRefusal(const Document& document, const std::string& path) {
   const std::vector<Diagnostic>& errors = document.file().errors;
   if (errors.empty()) return std::nullopt;
   const bool isUnread =
       findMessageById(errors.front().id) == findMessage(ibis::message::cannotOpenSource);
   return isUnread ? reasonUnread(path) : errors.front();
+}
+
+}  // namespace
+
+ExportSource readForExport(const std::string& source, const std::vector<std::string>& selections) {
+  const ReadOptions options{.newerVersions = true, .keepGoing = true, .selections = selections};
+  ExportSource result;
+  InputText input = readInputText(source);
+  result.refusal = std::move(input.fault);
+  if (result.refusal) return result;
+  result.document = input.text ? readText(*input.text, options) : read(source, options);
+  result.refusal = findRefusal(*result.document, source);
+  return result;
+}
+
+Diagnostic refuseModel(const IBISFileData& data, const std::string& name) {
+  std::vector<std::string> names;
+  for (const IBISModel* model : devicesOf(data)) names.push_back(model->name.str());
+  Diagnostic error = tell(Severity::error, message::noSuchModel, name.c_str());
+  addNames(error, name, names);
+  return error;
 }
 
 bool isDevice(const IBISModel& model) {

@@ -8,11 +8,17 @@
 
 namespace ibis::cli {
 
-/// Reads a file as far as it can be read; what was left out stands in its warnings.
-Document readForExport(const std::string& path, const std::vector<std::string>& selections);
+/// A file read for its models, or why there is nothing to export in it.
+struct ExportSource {
+  std::optional<Document> document;  ///< What was left out stands in its warnings.
+  std::optional<Diagnostic> refusal;
+};
 
-/// Why there is nothing to export in a file; none if there is something.
-std::optional<Diagnostic> findRefusal(const Document& document, const std::string& path);
+/// Reads a file as far as it can be read, standard input or packed data too.
+ExportSource readForExport(const std::string& source, const std::vector<std::string>& selections);
+
+/// The refusal of a name that no model has.
+Diagnostic refuseModel(const IBISFileData& data, const std::string& name);
 
 /// The models of a file that stand for a device, in file order.
 std::vector<const IBISModel*> devicesOf(const IBISFileData& data);

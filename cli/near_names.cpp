@@ -81,4 +81,11 @@ std::string meantText(std::string_view name, const std::vector<std::string>& nam
   return text + '?';
 }
 
+void addNames(Diagnostic& error, std::string_view name, const std::vector<std::string>& names,
+              const std::string& there) {
+  std::string text = meantText(name, names);
+  if (text.empty() && !names.empty()) text = there + namesText(names);
+  if (!text.empty()) error.notes.push_back({.line = 0, .text = std::move(text)});
+}
+
 }  // namespace ibis::cli

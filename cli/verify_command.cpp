@@ -14,6 +14,7 @@
 #include "messages.h"
 #include "ngspice.h"
 #include "progress.h"
+#include "report.h"
 #include "simulator/device_notes.h"
 #include "verify_model.h"
 
@@ -172,8 +173,8 @@ std::string checkLimit(const std::string& text) {
   return isPositive ? "" : '\'' + text + "' is not a number above 0";
 }
 
-int refuse(const Diagnostic& diagnostic) {
-  std::cerr << "ibis-load: error: " << diagnostic.text << '\n';
+int refuse(const std::string& source, Diagnostic diagnostic) {
+  printMessages(std::cerr, source, {std::move(diagnostic)});
   return exitStatus::failed;
 }
 
@@ -182,7 +183,7 @@ int refuse(const Diagnostic& diagnostic) {
 CLI::App* addVerifyCommand(CLI::App& program, VerifyOptions& options) {
   CLI::App* command =
       program.add_subcommand("verify", "Export models, simulate them and compare with the file.");
-  command->add_option("FILE", options.source, "The IBIS file")->type_name("")->required();
+  command->add_option("FILE", options.source, "An IBIS file, or - for standard input")->type_name("")->required();
   command->add_option("--model", options.models, "A model, once for each; else all")
       ->type_name("NAME")
       ->allow_extra_args(false);
@@ -209,14 +210,15 @@ int runVerify(const VerifyOptions& options) {
   try {
     requireNgspice();
   } catch (const SimulatorFault& fault) {
-    return refuse(tell(Severity::error, message::workFailed, fault.what()));
+    return refuse("ibis-load", tell(Severity::error, message::workFailed, fault.what()));
   }
-  const Document source = readForExport(options.source, {});
-  if (const auto refusal = findRefusal(source, options.source)) return refuse(*refusal);
+  const ExportSource source = readForExport(options.source, {});
+  if (source.refusal) return refuse(options.source, *source.refusal);
+  const IBISFileData& data = source.document->file();
   std::vector<std::string> unknown;
-  const auto models = devicesNamed(source.file(), options.models, unknown);
+  const auto models = devicesNamed(data, options.models, unknown);
   for (const std::string& name : unknown) {
-    return refuse(tell(Severity::error, message::noSuchModel, name.c_str()));
+    return refuse(options.source, refuseModel(data, name));
   }
   const std::vector<std::string> typ{"typ"};
   const auto tasks = tasksOf(models, options.corners.empty() ? typ : options.corners);

@@ -16,6 +16,7 @@ struct ReadOptions {
 
   /// Descriptions of [Model Selector] rows in the order of preference: the model of a row that has
   /// one of them stands for its selector. Without one it is the selector's first row.
+  /// "SELECTOR=MODEL" chooses by the names of both.
   std::vector<std::string> selections = {};
 };
 

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "host/diagnostics/messages.h"
+#include "library/selections.h"
 #include "model/numbers/float_environment.h"
 #include "reader/file/parser.h"
 #include "reader/text/text_buffer.h"
@@ -27,7 +28,9 @@ void Document::Content::readRecords(const ReadOptions& options) {
   scanner.emplace(text.text(), IBISScanner::usualPiece, options.newerVersions);
   parseFile(file, *scanner, options);
   scanner->dropPiece();
-  if (!file.hasErrors()) postParse(file, {}, {});
+  if (file.hasErrors()) return;
+  chooseByName(file.data());
+  postParse(file, {}, {});
 }
 
 void Document::Content::sortDiagnostics() {

@@ -233,6 +233,7 @@ TEST(Document, TakesTheModelThatASelectionDescribes) {
   };
   EXPECT_EQ(modelOfPin(readText(text)), "Drv");
   EXPECT_EQ(modelOfPin(readText(text, {.selections = {"fast edges"}})), "Fast");
+  EXPECT_EQ(modelOfPin(readText(text, {.selections = {"Speed=Fast"}})), "Fast");
   const Document unknown = readText(text, {.keepGoing = true, .selections = {"no edges"}});
   EXPECT_FALSE(unknown.hasErrors());
   EXPECT_EQ(texts(unknown.diagnostics())[0], "Model selector 'no edges' not found in IBIS file");

@@ -338,6 +338,16 @@ TEST(Zip, HasAFileThatIsNamedBehindIt) {
                                HasSubstr("parts.zip/sub/größe.IBS: IBIS 4.2")));
 }
 
+TEST(Zip, HasFilesThatAreExported) {
+  const TemporaryFolder folder;
+  folder.write("parts.zip", packedByZip(members));
+  const Outcome result =
+      run({"export", "parts.zip/b.ibs", "-o", "out", "-q"}, {.folder = folder.path()});
+  EXPECT_EQ(result.err, "");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_TRUE(std::filesystem::exists(folder.file("out/BUF_1_typ.inc")));
+}
+
 TEST(Zip, ThatIsCutIsAnError) {
   const TemporaryFolder folder;
   const std::string packed = packedByZip(members);

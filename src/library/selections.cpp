@@ -1,10 +1,10 @@
-#include "selections.h"
+#include "library/selections.h"
 
 #include <algorithm>
 
 #include "reader/text/name_index.h"
 
-namespace ibis::cli {
+namespace ibis {
 namespace {
 
 using Selectors = NameMap<ExactCase, IBISModelSelector*>;
@@ -34,7 +34,6 @@ bool choose(IBISModelSelector& selector, std::string_view model) {
   return true;
 }
 
-// Names may hold the sign too.
 // The selector of the form's name, or null; names may hold the sign too.
 IBISModelSelector* chooseByName(const Selectors& selectors, std::string_view text) {
   for (std::size_t sign = text.find('='); sign != text.npos; sign = text.find('=', sign + 1)) {
@@ -42,12 +41,6 @@ IBISModelSelector* chooseByName(const Selectors& selectors, std::string_view tex
     if (selector != nullptr && choose(**selector, text.substr(sign + 1))) return *selector;
   }
   return nullptr;
-}
-
-bool isAsked(const IBISModelSelector& selector, const std::vector<IBISString>& selections) {
-  return std::ranges::any_of(selector.rows, [&](const IBISModelSelectorRow& row) {
-    return std::ranges::find(selections, row.description) != selections.end();
-  });
 }
 
 }  // namespace
@@ -64,23 +57,4 @@ std::vector<std::string> chooseByName(IBISFileData& file) {
   return chosen;
 }
 
-std::vector<std::string> firstChoices(const IBISFileData& file, const IBISComponent& component,
-                                      const std::vector<std::string>& chosen) {
-  NameMap<ExactCase, const IBISModelSelector*> selectors;
-  for (const IBISModelSelector& each : file.modelSelectors) selectors[each.name] = &each;
-  NameIndex<ExactCase> told;
-  std::vector<std::string> texts;
-  for (const IBISPinEntry& entry : component.pinEntries) {
-    const IBISString name = entry.pin->model_name;
-    const IBISModelSelector* const* selector = selectors.find(name);
-    if (selector == nullptr || told.contains(name)) continue;
-    told.add(name);
-    const bool isChosen = std::ranges::find(chosen, name.view()) != chosen.end();
-    if (isChosen || (*selector)->rows.size() < 2) continue;
-    if (isAsked(**selector, file.modelSelections)) continue;
-    texts.push_back(name.str() + '=' + (*selector)->rows.front().modelName.str());
-  }
-  return texts;
-}
-
-}  // namespace ibis::cli
+}  // namespace ibis
