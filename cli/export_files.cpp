@@ -13,6 +13,7 @@
 #include "simulator/bench_setup.h"
 #include "simulator/component_assembly.h"
 #include "simulator/device_notes.h"
+#include "tolerant_reading.h"
 
 namespace ibis::cli {
 namespace {
@@ -212,6 +213,7 @@ Export exportFile(const ExportRequest& request) {
   for (const std::string& word : request.corners.empty() ? typ : request.corners) {
     writeCorner(choice, cornerIndex(word), result);
   }
+  removeRepeats(result.warnings);  // a table may be read for several subcircuits
   return result;
 }
 
