@@ -4,15 +4,18 @@
 include(CheckCXXCompilerFlag)
 include(CheckLinkerFlag)
 
-# An option of the compiler is taken where it has it: another processor has other ones.
+# An option of the compiler is taken where it has it: another processor has other ones. One compiler
+# only warns of those, so that a warning counts as a refusal.
 set(hardenedCompile "")
+set(CMAKE_REQUIRED_FLAGS -Werror)
 foreach(option -fstack-protector-strong -fcf-protection -mbranch-protection=standard)
-  string(MAKE_C_IDENTIFIER "IBIS_LOAD_HAS${option}" isKnown)
+  string(MAKE_C_IDENTIFIER "IBIS_LOAD_TAKES${option}" isKnown)
   check_cxx_compiler_flag(${option} ${isKnown})
   if(${isKnown})
     list(APPEND hardenedCompile ${option})
   endif()
 endforeach()
+unset(CMAKE_REQUIRED_FLAGS)
 
 # Checked calls need optimised code, and a sanitizer checks them itself. A level that is among the
 # flags already stays.
