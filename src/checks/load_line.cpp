@@ -95,8 +95,7 @@ void PadCurrent::collectBreaks() {
     std::ranges::merge(breaks_, own, merged.begin());
     std::swap(breaks_, merged);
   }
-  const auto rest = std::ranges::unique(breaks_);
-  breaks_.erase(rest.begin(), rest.end());
+  breaks_.erase(std::unique(breaks_.begin(), breaks_.end()), breaks_.end());
   currents_.assign(breaks_.size(), 0.0);
   for (const Term& term : terms_) addCurrents(term);
 }
