@@ -4,6 +4,8 @@
 #include <set>
 #include <system_error>
 
+#include "checks/rules.h"
+#include "messages.h"
 #include "reader/text/text_buffer.h"
 
 namespace ibis::cli {
@@ -32,10 +34,16 @@ checks::CheckOptions checkOptionsOf(const std::string& source) {
 std::vector<Diagnostic> checkErrors(std::string_view text, const std::string& source,
                                     const std::vector<Diagnostic>& told) {
   std::set<std::int32_t> lines;
-  for (const Diagnostic& each : told) lines.insert(each.line);
+  bool hasNothing = false;
+  for (const Diagnostic& each : told) {
+    lines.insert(each.line);
+    hasNothing = hasNothing || each.id == tell(Severity::error, message::noComponent).id;
+  }
   std::vector<Diagnostic> found = checks::check(text, checkOptionsOf(source));
   std::erase_if(found, [&](const Diagnostic& each) {
-    return each.severity != Severity::error || (each.line > 0 && lines.contains(each.line));
+    const bool isTold = (each.line > 0 && lines.contains(each.line)) ||
+                        (hasNothing && each.id == checks::ruleRow(checks::Rule::syntaxNotIbis).id);
+    return each.severity != Severity::error || isTold;
   });
   return found;
 }

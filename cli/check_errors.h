@@ -15,7 +15,8 @@ checks::CheckOptions checkOptionsOf(const std::string& source);
 
 /// The errors that a check finds in the text of a source, by line.
 ///
-/// Left out are those on a line that an error told already names.
+/// Left out are those on a line that an error told already names, and that a file without any
+/// component is no IBIS file.
 std::vector<Diagnostic> checkErrors(std::string_view text, const std::string& source,
                                     const std::vector<Diagnostic>& told);
 

@@ -235,8 +235,8 @@ Conversion convertOne(const ConversionRequest& request) {
   Adviser(load.text(), load.file().data()).advise(load.file().data().errors);
   result.warnings = std::move(load.file().data().warnings);
   result.errors = std::move(load.file().data().errors);
-  if (request.isChecked) result.findings = checkErrors(load.text(), request.source, result.errors);
   if (obstacle) result.errors.push_back(std::move(*obstacle));
+  if (request.isChecked) result.findings = checkErrors(load.text(), request.source, result.errors);
   append(result.warnings, checkWritten(load, result.files));
   warnOfModels(load, result);
   if (request.reading.keepGoing) {

@@ -156,7 +156,9 @@ void printJson(const Export& result, int status) {
 CLI::App* addExportCommand(CLI::App& program, ExportOptions& options) {
   CLI::App* command =
       program.add_subcommand("export", "Write models as plain SPICE for open simulators.");
-  command->add_option("FILE", options.request.source, "An IBIS file, or - for standard input")->type_name("")->required();
+  command->add_option("FILE", options.request.source, "An IBIS file, or - for standard input")
+      ->type_name("")
+      ->required();
   addChoiceOptions(*command, options.request);
   addPackageOptions(*command, options.request);
   addOutputOptions(*command, options);

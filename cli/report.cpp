@@ -24,7 +24,7 @@ class MessagePrinter {
   void addFindings(const std::vector<Diagnostic>& list) {
     std::map<std::string_view, std::size_t> told;
     for (const Diagnostic& each : list) {
-      if (++told[each.id] <= toldOfRule) add(each);
+      if (++told[each.id] <= toldOfRule) add(each, true);
     }
     for (const auto& [id, count] : told) {
       if (count <= toldOfRule) continue;
@@ -40,13 +40,15 @@ class MessagePrinter {
   }
 
  private:
-  void add(const Diagnostic& each) {
+  void add(const Diagnostic& each, bool isFinding = false) {
     if (++count_ > limit_) return;
-    const bool isFinding = each.column > 0;
     addLine(each.line, each.column,
             each.severity == Severity::error ? " error: " : " warning: ", each.text,
             isFinding ? each.id : std::string_view());
-    for (const Note& note : each.notes) add(note);
+    for (Note note : each.notes) {
+      if (isFinding && note.line == 0) note.line = each.line;
+      add(note);
+    }
   }
 
   void addLine(std::int32_t line, std::int32_t column, const char* kind, const std::string& said,

@@ -183,7 +183,9 @@ int refuse(const std::string& source, Diagnostic diagnostic) {
 CLI::App* addVerifyCommand(CLI::App& program, VerifyOptions& options) {
   CLI::App* command =
       program.add_subcommand("verify", "Export models, simulate them and compare with the file.");
-  command->add_option("FILE", options.source, "An IBIS file, or - for standard input")->type_name("")->required();
+  command->add_option("FILE", options.source, "An IBIS file, or - for standard input")
+      ->type_name("")
+      ->required();
   command->add_option("--model", options.models, "A model, once for each; else all")
       ->type_name("NAME")
       ->allow_extra_args(false);

@@ -34,7 +34,7 @@ Outcome convertTold(const std::string& text, std::vector<std::string> options) {
 const std::string commaText =
     "part.ibs:18:8: error: C_comp: '4,5pF' has a decimal comma; it is read as 4 F (expected 4.5pF) "
     "[numeric-decimal-comma]\n"
-    "part.ibs: note: write a point\n";
+    "part.ibs:18: note: write a point\n";
 
 TEST(Findings, OfACheckAreToldAndKeepNoFileFromBeingWritten) {
   const Outcome result = convertTold(withComma(), {});
@@ -71,6 +71,21 @@ TEST(Findings, AreInTheJsonWithTheirIds) {
         {"text", "C_comp: '4,5pF' has a decimal comma; it is read as 4 F (expected 4.5pF)"},
         {"notes", json::array({{{"line", nullptr}, {"text", "write a point"}}})}}});
   EXPECT_EQ(result["findings"], expected);
+}
+
+TEST(Findings, OfTheWholeFileHaveTheirIdToo) {
+  std::string text = bufferText;
+  text.insert(text.find("[End]"), supply);
+  EXPECT_EQ(convertTold(text.substr(text.find('\n') + 1), {}).err,
+            "part.ibs:1: error: [IBIS Ver] is missing [header-ibis-ver-missing]\n"
+            "part.ibs:1: note: begin the file with [IBIS Ver]\n");
+}
+
+// The load's own error has the note.
+TEST(Findings, AreNoneOfATextThatIsNoIbisFile) {
+  EXPECT_EQ(convertTold("%PDF-1.4\n", {}).err,
+            "part.ibs: error: The file has no component\n"
+            "part.ibs: note: it looks like a PDF document\n");
 }
 
 // An error of the load names the pin's line already.
