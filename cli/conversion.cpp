@@ -10,6 +10,7 @@
 #include "advice.h"
 #include "check_errors.h"
 #include "first_choices.h"
+#include "folder_names.h"
 #include "host/diagnostics/messages.h"
 #include "host/load_sequence.h"
 #include "input_text.h"
@@ -97,11 +98,17 @@ void leaveOut(Load& load, const ConversionRequest& request, Conversion& result) 
 }
 
 // Without a name the files would be called ".lb" and "_INFO.html".
-void nameSubcircuit(Load& load, const std::string& suffix) {
-  const IBISComponent* component = load.chosenComponent();
+std::string subcircuitOf(const Load& load) {
   const IBISString name = load.file().data().userSubcircuitName;
-  if (component == nullptr || (!name.empty() && suffix.empty())) return;
-  load.file().setUserSubcircuitName((name.empty() ? component->spiceName : name).str() + suffix);
+  const IBISComponent* component = load.chosenComponent();
+  return (name.empty() && component != nullptr ? component->spiceName : name).str();
+}
+
+// Whether an output of this run has one of the names, or one that differs by case alone.
+bool areTaken(const ConversionRequest& request, const std::vector<std::string>& names) {
+  return request.taken && std::ranges::any_of(names, [&](const std::string& name) {
+           return request.taken->contains(foldedName(name));
+         });
 }
 
 std::optional<Diagnostic> makeFolder(const std::string& folder) {
@@ -154,11 +161,26 @@ std::optional<Diagnostic> findObstacle(const Load& load, const ConversionRequest
   return std::nullopt;
 }
 
+// Names the subcircuit so that no file of this run is replaced.
+std::optional<Diagnostic> nameOutputs(Load& load, const ConversionRequest& request,
+                                      std::vector<std::string>& names) {
+  const std::string base = subcircuitOf(load) + request.suffix;
+  load.file().setUserSubcircuitName(base);
+  std::optional<Diagnostic> obstacle = findObstacle(load, request, names);
+  for (int number = 2; !obstacle && areTaken(request, names); ++number) {
+    load.file().setUserSubcircuitName(base + '_' + std::to_string(number));
+    obstacle = findObstacle(load, request, names);
+  }
+  if (request.taken) {
+    for (const std::string& name : names) request.taken->insert(foldedName(name));
+  }
+  return obstacle;
+}
+
 // Returns what kept the files from being written, if anything did.
 std::optional<Diagnostic> write(Load& load, const ConversionRequest& request, Conversion& result) {
-  nameSubcircuit(load, request.suffix);
   std::vector<std::string> names;
-  std::optional<Diagnostic> obstacle = findObstacle(load, request, names);
+  std::optional<Diagnostic> obstacle = nameOutputs(load, request, names);
   if (!obstacle && request.isRehearsal) {
     result.files = std::move(names);
     return std::nullopt;
@@ -317,6 +339,7 @@ Conversion convert(const ConversionRequest& asked) {
   }
   if (!request.allComponents && request.furtherModes.empty()) return convertOne(request);
   Conversion result;
+  request.taken = std::make_shared<std::set<std::string>>();
   for (const ConversionRequest& ofMode : requestPerMode(request)) {
     for (ConversionRequest& each : requestPerComponent(ofMode)) {
       each.isChecked = request.isChecked;

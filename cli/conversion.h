@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -29,7 +30,8 @@ struct ConversionRequest {
   bool isRehearsal = false;                      ///< Tells what it would write.
   bool isLimited = true;                         ///< Writes no more than the usual limit of output.
   bool isChecked = true;                         ///< Tells the errors that a check finds.
-  std::shared_ptr<const InputFiles> inputs = {};  ///< No output replaces one of them.
+  std::shared_ptr<std::set<std::string>> taken = {};  ///< Outputs so far, in small letters.
+  std::shared_ptr<const InputFiles> inputs = {};      ///< No output replaces one of them.
 };
 
 /// The files and messages of one conversion.

@@ -29,20 +29,20 @@ fs::path harmless(const fs::path& below) {
   return parts;
 }
 
-std::string folded(std::string text) {
-  for (char& c : text) {
+}  // namespace
+
+std::string foldedName(std::string name) {
+  for (char& c : name) {
     if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
   }
-  return text;
+  return name;
 }
-
-}  // namespace
 
 std::string FolderNames::take(const fs::path& output, const fs::path& below) {
   const std::string wanted = (output / harmless(below)).string();
   std::string name = wanted;
-  while (!taken_.try_emplace(folded(name), 1).second) {
-    name = wanted + '_' + std::to_string(++taken_[folded(wanted)]);
+  while (!taken_.try_emplace(foldedName(name), 1).second) {
+    name = wanted + '_' + std::to_string(++taken_[foldedName(wanted)]);
   }
   return name;
 }

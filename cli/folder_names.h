@@ -6,6 +6,9 @@
 
 namespace ibis::cli {
 
+/// A file's name with small ASCII letters alone; names that are equal then may be one file.
+std::string foldedName(std::string name);
+
 /// Names of output folders, each given once, so that no two sources write into one folder.
 ///
 /// Names that differ by the case of ASCII letters alone count as one, as they do on some file

@@ -269,6 +269,30 @@ TEST(StandardInput, IsReadForADash) {
             "-: error: The file has no component\n-: note: it is empty\n");
 }
 
+std::string componentsText(const std::vector<std::string>& names) {
+  std::string text = "[IBIS Ver] 4.2\n";
+  for (const std::string& name : names) {
+    text += "[Component] " + name + "\n[Manufacturer] M\n[Pin] signal_name model_name\n1 S GND\n";
+  }
+  return text;
+}
+
+TEST(Components, OfLikeNamesGetFilesOfTheirOwn) {
+  EXPECT_EQ(
+      convertText(componentsText({"A-1", "A_1", "a_1"}), {"--all-components", "-m", "package"})
+          .outcome.out,
+      "./A_1.lb\n./A_1_1.lb\n./a_1_2.lb\n0 warnings, 0 errors\n");
+}
+
+// The package of one has the name of the other's model.
+TEST(Components, NeverReplaceEachOthersFiles) {
+  EXPECT_EQ(convertText(componentsText({"X", "x_package"}),
+                        {"--all-components", "-m", "model", "-m", "package"})
+                .outcome.out,
+            "./X.lb\n./X_INFO.html\n./x_package.lb\n./x_package_INFO.html\n./X_package_2.lb\n"
+            "./x_package_package.lb\n0 warnings, 0 errors\n");
+}
+
 TEST(StandardInput, IsReadOnceForAllComponents) {
   const TemporaryFolder folder;
   EXPECT_EQ(run({"convert", "-", "--all-components", "-m", "package"},
