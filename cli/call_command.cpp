@@ -7,7 +7,7 @@
 #include "exit_status.h"
 #include "host_call.h"
 #include "ibis/exception.h"
-#include "json_line.h"
+#include "json_pieces.h"
 #include "plugin.h"
 
 namespace ibis::cli {
@@ -34,10 +34,11 @@ std::string readAll(std::istream& in) {
   return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
-nlohmann::json toJson(const CallResult& result) {
-  auto array = nlohmann::json::array();
-  for (const auto& text : result) array.push_back(text ? nlohmann::json(*text) : nullptr);
-  return array;
+void printResult(std::ostream& out, const CallResult& result) {
+  printArray(out, result, [&](const auto& text) {
+    out << jsonText(text ? nlohmann::json(*text) : nlohmann::json());
+  });
+  out << '\n';
 }
 
 CallResult callPlugin(const std::string& path, const CallArguments& arguments) {
@@ -69,7 +70,7 @@ int runCall(CallOptions options) {
   try {
     const CallArguments arguments = parseRequest(readAll(std::cin));
     if (options.plugin.empty()) options.plugin = ownPluginPath();
-    std::cout << jsonLine(toJson(callPlugin(options.plugin, arguments)));
+    printResult(std::cout, callPlugin(options.plugin, arguments));
     return exitStatus::done;
   } catch (const MalformedRequest& fault) {
     return refuse(fault);

@@ -4,9 +4,11 @@
 #include <array>
 #include <cstdio>
 #include <map>
+#include <span>
+#include <utility>
 
 #include "checks/rules.h"
-#include "json_line.h"
+#include "json_pieces.h"
 #include "printable.h"
 #include "report.h"
 #include "text_columns.h"
@@ -107,7 +109,7 @@ void appendFinding(std::string& out, const CheckedFile& file, const Lines& lines
 }
 
 ordered_json countsOf(const CheckedFile& file) {
-  ordered_json counts;
+  ordered_json counts = ordered_json::object();
   counts["error"] = file.count(Severity::error);
   counts["warning"] = file.count(Severity::warning);
   counts["note"] = file.count(Severity::note);
@@ -119,7 +121,7 @@ ordered_json positive(std::int32_t number) {
 }
 
 ordered_json findingJson(const Diagnostic& each) {
-  ordered_json item;
+  ordered_json item = ordered_json::object();
   item["id"] = each.id;
   item["severity"] = checks::severityWord(each.severity);
   item["line"] = positive(each.line);
@@ -152,21 +154,23 @@ std::string uriOf(std::string_view path) {
   return uri;
 }
 
+ordered_json sarifText(std::string_view text) { return {{"text", text}}; }
+
 ordered_json sarifRule(const checks::RuleRow& row) {
-  ordered_json rule;
+  ordered_json rule = ordered_json::object();
   rule["id"] = row.id;
-  rule["shortDescription"]["text"] = row.fires;
-  rule["fullDescription"]["text"] =
-      std::string(row.fires) + " Basis: " + std::string(row.clause) + ".";
-  if (!row.remedy.empty()) rule["help"]["text"] = row.remedy;
-  rule["defaultConfiguration"]["level"] = checks::severityWord(row.severity);
-  rule["properties"]["tags"] = ordered_json::array({row.group()});
+  rule["shortDescription"] = sarifText(row.fires);
+  rule["fullDescription"] =
+      sarifText(std::string(row.fires) + " Basis: " + std::string(row.clause) + ".");
+  if (!row.remedy.empty()) rule["help"] = sarifText(row.remedy);
+  rule["defaultConfiguration"] = {{"level", checks::severityWord(row.severity)}};
+  rule["properties"] = {{"tags", ordered_json::array({row.group()})}};
   return rule;
 }
 
 // Characters of a line count in SARIF, bytes do here.
 ordered_json regionOf(const Diagnostic& each, std::string_view line) {
-  ordered_json region;
+  ordered_json region = ordered_json::object();
   region["startLine"] = each.line;
   if (each.column < 1) return region;
   const auto begin = std::min(static_cast<std::size_t>(each.column) - 1, line.size());
@@ -180,33 +184,70 @@ ordered_json regionOf(const Diagnostic& each, std::string_view line) {
   return region;
 }
 
-ordered_json sarifLocation(const std::string& uri) {
-  ordered_json location;
-  location["physicalLocation"]["artifactLocation"]["uri"] = uri;
+// A place in a file; of the whole file where the region is null.
+ordered_json sarifLocation(const std::string& uri, ordered_json region) {
+  ordered_json place = {{"artifactLocation", {{"uri", uri}}}};
+  if (!region.is_null()) place["region"] = std::move(region);
+  ordered_json location = ordered_json::object();
+  location["physicalLocation"] = std::move(place);
   return location;
 }
 
 ordered_json sarifResult(const CheckedFile& file, const Lines& lines, const Diagnostic& each) {
   const std::string uri = uriOf(file.name);
-  ordered_json result;
+  ordered_json result = ordered_json::object();
   result["ruleId"] = each.id;
   if (const auto rule = checks::findRule(each.id)) {
     result["ruleIndex"] = static_cast<std::size_t>(*rule);
   }
   result["level"] = checks::severityWord(each.severity);
-  result["message"]["text"] = each.text;
-  ordered_json location = sarifLocation(uri);
-  if (each.line > 0) location["physicalLocation"]["region"] = regionOf(each, lines.at(each.line));
-  result["locations"] = ordered_json::array({location});
+  result["message"] = sarifText(each.text);
+  ordered_json region = each.line > 0 ? regionOf(each, lines.at(each.line)) : ordered_json();
+  result["locations"] = ordered_json::array({sarifLocation(uri, std::move(region))});
   ordered_json related = ordered_json::array();
   for (const Note& note : each.notes) {
-    ordered_json other = sarifLocation(uri);
-    if (note.line > 0) other["physicalLocation"]["region"]["startLine"] = note.line;
-    other["message"]["text"] = note.text;
+    const bool hasLine = note.line > 0;
+    ordered_json other =
+        sarifLocation(uri, hasLine ? ordered_json{{"startLine", note.line}} : ordered_json());
+    other["message"] = sarifText(note.text);
     related.push_back(std::move(other));
   }
   if (!related.empty()) result["relatedLocations"] = std::move(related);
   return result;
+}
+
+void printDriver(std::ostream& out) {
+  JsonObject driver(out);
+  driver.add("name", "ibis-load");
+  driver.add("version", IBIS_LOAD_VERSION);
+  const std::span<const checks::RuleRow> rows = checks::ruleTable();
+  driver.addArray("rules", std::vector(rows.begin(), rows.end()), sarifRule);
+  driver.finish();
+}
+
+void printResults(std::ostream& out, const std::vector<CheckedFile>& files) {
+  std::string_view separator;
+  for (const CheckedFile& file : files) {
+    const Lines lines(file.text);
+    for (const Diagnostic& each : file.diagnostics) {
+      out << std::exchange(separator, ",") << jsonText(sarifResult(file, lines, each));
+    }
+  }
+}
+
+void printRun(std::ostream& out, const std::vector<CheckedFile>& files) {
+  JsonObject run(out);
+  run.begin("tool") << "{\"driver\":";
+  printDriver(out);
+  out << '}';
+  run.add("columnKind", "unicodeCodePoints");
+  run.addArray("artifacts", files, [](const CheckedFile& file) {
+    return ordered_json{{"location", {{"uri", uriOf(file.name)}}}};
+  });
+  run.begin("results") << '[';
+  printResults(out, files);
+  out << ']';
+  run.finish();
 }
 
 }  // namespace
@@ -255,41 +296,26 @@ std::string checkSummary(const std::vector<CheckedFile>& files) {
 void printCheckJson(std::ostream& out, const std::vector<CheckedFile>& files) {
   std::string_view separator = "[";
   for (const CheckedFile& file : files) {
-    ordered_json object;
-    object["file"] = file.name;
-    object["diagnostics"] = ordered_json::array();
-    for (const Diagnostic& each : file.diagnostics) {
-      object["diagnostics"].push_back(findingJson(each));
-    }
-    object["counts"] = countsOf(file);
-    out << separator << jsonText(object);
+    out << separator;
+    JsonObject object(out);
+    object.add("file", file.name);
+    object.addArray("diagnostics", file.diagnostics, findingJson);
+    object.add("counts", countsOf(file));
+    object.finish();
     separator = ",\n";
   }
   out << (files.empty() ? "[]\n" : "]\n");
 }
 
 void printSarif(std::ostream& out, const std::vector<CheckedFile>& files) {
-  ordered_json run;
-  ordered_json& driver = run["tool"]["driver"];
-  driver["name"] = "ibis-load";
-  driver["version"] = IBIS_LOAD_VERSION;
-  driver["rules"] = ordered_json::array();
-  for (const checks::RuleRow& row : checks::ruleTable()) driver["rules"].push_back(sarifRule(row));
-  run["columnKind"] = "unicodeCodePoints";
-  run["artifacts"] = ordered_json::array();
-  run["results"] = ordered_json::array();
-  for (const CheckedFile& file : files) {
-    run["artifacts"].push_back({{"location", {{"uri", uriOf(file.name)}}}});
-    const Lines lines(file.text);
-    for (const Diagnostic& each : file.diagnostics) {
-      run["results"].push_back(sarifResult(file, lines, each));
-    }
-  }
-  ordered_json log;
-  log["$schema"] = "https://json.schemastore.org/sarif-2.1.0.json";
-  log["version"] = "2.1.0";
-  log["runs"] = ordered_json::array({run});
-  out << jsonLine(log);
+  JsonObject log(out);
+  log.add("$schema", "https://json.schemastore.org/sarif-2.1.0.json");
+  log.add("version", "2.1.0");
+  log.begin("runs") << '[';
+  printRun(out, files);
+  out << ']';
+  log.finish();
+  out << '\n';
 }
 
 }  // namespace ibis::cli

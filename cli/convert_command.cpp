@@ -3,13 +3,13 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 #include <set>
-#include <sstream>
 
 #include "interruption.h"
 #include "many_files.h"
 #include "output/outputs.h"
 #include "report.h"
 #include "source_list.h"
+#include "text_pieces.h"
 
 namespace ibis::cli {
 namespace {
@@ -73,13 +73,12 @@ std::string modesText() {
   for (const Output& output : outputTable()) {
     std::string line = "  " + std::string(output.word);
     line.resize(indent.size(), ' ');
-    std::istringstream words{std::string(output.summary)};
-    for (std::string word; words >> word;) {
+    for (const std::string_view word : wordsOf(output.summary)) {
       if (line.size() + word.size() > lineColumns) {
         text += line + '\n';
         line = indent;
       }
-      line += (line.ends_with(' ') ? "" : " ") + word;
+      line.append(line.ends_with(' ') ? "" : " ").append(word);
     }
     text += line + '\n';
   }

@@ -8,7 +8,7 @@
 #include "exit_status.h"
 #include "export_source.h"
 #include "interruption.h"
-#include "json_line.h"
+#include "json_pieces.h"
 #include "report.h"
 #include "simulator/device_notes.h"
 #include "simulator/dialect.h"
@@ -132,23 +132,20 @@ Json toJson(const ExportedSubcircuit& each) {
   return object;
 }
 
-Json toJson(const std::vector<Diagnostic>& list) {
-  Json array = Json::array();
-  for (const Diagnostic& each : list) {
-    array.push_back(
-        {{"id", each.id}, {"line", each.line > 0 ? Json(each.line) : Json()}, {"text", each.text}});
-  }
-  return array;
+Json diagnosticJson(const Diagnostic& each) {
+  return {{"id", each.id}, {"line", each.line > 0 ? Json(each.line) : Json()}, {"text", each.text}};
 }
 
 void printJson(const Export& result, int status) {
-  Json object{{"status", status}, {"files", result.files}, {"subcircuits", Json::array()}};
-  for (const ExportedSubcircuit& each : result.subcircuits) {
-    object["subcircuits"].push_back(toJson(each));
-  }
-  object["warnings"] = toJson(result.warnings);
-  object["errors"] = toJson(result.errors);
-  std::cout << jsonLine(object);
+  JsonObject object(std::cout);
+  object.add("status", status);
+  object.add("files", result.files);
+  object.addArray("subcircuits", result.subcircuits,
+                  [](const ExportedSubcircuit& each) { return toJson(each); });
+  object.addArray("warnings", result.warnings, diagnosticJson);
+  object.addArray("errors", result.errors, diagnosticJson);
+  object.finish();
+  std::cout << '\n';
 }
 
 }  // namespace

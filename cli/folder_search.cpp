@@ -1,10 +1,12 @@
 #include "folder_search.h"
 
+#include <dirent.h>
 #include <sys/stat.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <deque>
+#include <memory>
 #include <set>
 #include <utility>
 
@@ -72,32 +74,44 @@ class Search {
     return known_.emplace(status.st_dev, status.st_ino).second;
   }
 
+  // The standard library's iterator of folders ends the program where memory lacks.
   void readFolder(const Folder& folder, std::vector<Folder>& waiting) {
-    std::error_code fault;
-    for (fs::directory_iterator entry(folder.name, fault), end; !fault && entry != end;
-         entry.increment(fault)) {
-      addEntry(*entry, folder.below / entry->path().filename(), waiting);
+    const std::unique_ptr<DIR, int (*)(DIR*)> entries(opendir(folder.name.c_str()), closedir);
+    for (const dirent* each = nextOf(entries.get()); each != nullptr;
+         each = nextOf(entries.get())) {
+      const fs::path name = each->d_name;
+      if (name == "." || name == "..") continue;
+      addEntry(folder.name / name, each->d_type, folder.below / name, waiting);
     }
-    if (fault) {
-      addFault(folder,
-               tell(Severity::error, message::cannotReadWholeFolder, fault.message().c_str()));
-    }
+    if (errno == 0) return;
+    addFault(folder, tell(Severity::error, message::cannotReadWholeFolder,
+                          std::generic_category().message(errno).c_str()));
   }
 
-  void addEntry(const fs::directory_entry& entry, fs::path below, std::vector<Folder>& waiting) {
+  // Null at the end, where errno is 0, and for a fault.
+  static const dirent* nextOf(DIR* entries) {
+    if (entries == nullptr) return nullptr;
+    errno = 0;
+    return readdir(entries);
+  }
+
+  // A folder may lie too deep to be asked for its type, but its own folder tells it.
+  void addEntry(const fs::path& path, unsigned char type, fs::path below,
+                std::vector<Folder>& waiting) {
     std::error_code fault;
-    if (entry.is_directory(fault)) {
-      std::error_code isUnknown;
-      Folder folder{entry.path(), std::move(below)};
-      if (entry.is_symlink(isUnknown)) {
+    std::error_code isUnknown;
+    const bool mayLead = type == DT_LNK || type == DT_UNKNOWN;
+    if (type == DT_DIR || (mayLead && fs::is_directory(path, fault))) {
+      Folder folder{path, std::move(below)};
+      if (mayLead && fs::is_symlink(path, isUnknown)) {
         links_.push_back(std::move(folder));
       } else {
         waiting.push_back(std::move(folder));
       }
-    } else if (isIbisName(entry.path().native())) {
-      found_.push_back({.name = entry.path(), .below = std::move(below), .fault = {}});
+    } else if (isIbisName(path.native())) {
+      found_.push_back({.name = path, .below = std::move(below), .fault = {}});
     } else if (fault && fault != std::errc::no_such_file_or_directory) {
-      addFault({entry.path(), std::move(below)},
+      addFault({path, std::move(below)},
                tell(Severity::error, message::cannotTellFolder, fault.message().c_str()));
     }
   }

@@ -1,12 +1,21 @@
 #include "interruption.h"
 
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
+#include <exception>
 #include <mutex>
+#include <new>
 #include <set>
 #include <string>
-#include <system_error>
+#include <string_view>
 #include <thread>
+
+#include "exit_status.h"
 
 namespace ibis::cli {
 namespace {
@@ -34,10 +43,35 @@ sigset_t endingSignals() {
   return signals;
 }
 
+void removeUnfinished() {
+  for (const std::string& name : unfinished().files) std::remove(name.c_str());
+}
+
+bool lacksMemory() {
+  if (!std::current_exception()) return false;
+  try {
+    throw;
+  } catch (const std::bad_alloc&) {
+    return true;
+  } catch (...) {
+    return false;
+  }
+}
+
+// Any other end that nobody saw coming is a fault of the program, and shows as one.
+[[noreturn]] void endWithError() {
+  if (!lacksMemory()) std::abort();
+  const std::lock_guard lock(unfinished().mutex);
+  removeUnfinished();
+  constexpr std::string_view text = "ibis-load: error: std::bad_alloc\n";
+  if (write(STDERR_FILENO, text.data(), text.size()) < 0) errno = 0;  // nobody is left to be told
+  _exit(exitStatus::failed);
+}
+
 // Holds the lock until the program ends, so that no further file is begun.
 [[noreturn]] void end(int signal, const sigset_t& signals) {
   const std::lock_guard lock(unfinished().mutex);
-  for (const std::string& name : unfinished().files) std::remove(name.c_str());
+  removeUnfinished();
   std::signal(signal, SIG_DFL);
   std::raise(signal);
   pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
@@ -54,14 +88,19 @@ void waitForEnd(sigset_t signals) {
 
 // If no further thread can be started, a signal ends the program at once.
 void watchForInterruption() {
+  static std::atomic_flag isWatched;
+  if (isWatched.test_and_set()) return;
   const sigset_t signals = endingSignals();
   pthread_sigmask(SIG_BLOCK, &signals, nullptr);
   try {
     std::thread(waitForEnd, signals).detach();
-  } catch (const std::system_error&) {
+  } catch (const std::exception&) {
     pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
   }
 }
+
+// What takes a tree of JSON down asks for memory, and it may not throw.
+void watchForLackOfMemory() { std::set_terminate(endWithError); }
 
 WatchedSink::~WatchedSink() { discardAll(); }
 

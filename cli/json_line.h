@@ -5,6 +5,9 @@
 
 namespace ibis::cli {
 
+// An object is made as one, by ordered_json::object() or from a list of its members: a null value
+// that becomes one at its first member cannot be taken down where memory lacked for that.
+
 /// The value in ASCII without line ends; bytes that are not UTF-8 become U+FFFD.
 template <class Json>
 std::string jsonText(const Json& value) {

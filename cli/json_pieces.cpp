@@ -26,4 +26,8 @@ void printDiagnostic(std::ostream& out, const Diagnostic& diagnostic) {
   out << '}';
 }
 
+void printDiagnostics(std::ostream& out, const std::vector<Diagnostic>& list) {
+  printArray(out, list, [&](const Diagnostic& each) { printDiagnostic(out, each); });
+}
+
 }  // namespace ibis::cli

@@ -4,7 +4,6 @@
 #include <iostream>
 
 #include "exit_status.h"
-#include "json_line.h"
 #include "list_report.h"
 #include "record_json.h"
 #include "report.h"
@@ -12,8 +11,6 @@
 
 namespace ibis::cli {
 namespace {
-
-using nlohmann::ordered_json;
 
 constexpr const char* details =
     R"(Standard output: for each file its version, revision and date, then tables of
@@ -42,14 +39,14 @@ TolerantReading readSource(const Source& source) {
   return {.document = {}, .leftOut = {}, .errors = {*source.fault}};
 }
 
-ordered_json fileJson(const std::string& name, const TolerantReading& reading) {
-  ordered_json object;
-  object["schema"] = jsonSchema;
-  object["file"] = name;
-  object["status"] = reading.errors.empty() ? exitStatus::done : exitStatus::failed;
-  if (reading.document) object.update(listJson(reading));
-  object["errors"] = diagnosticsJson(reading.errors);
-  return object;
+void printFileJson(std::ostream& out, const std::string& name, const TolerantReading& reading) {
+  JsonObject object(out);
+  object.add("schema", jsonSchema);
+  object.add("file", name);
+  object.add("status", reading.errors.empty() ? exitStatus::done : exitStatus::failed);
+  if (reading.document) printListJson(object, reading);
+  printDiagnostics(object.begin("errors"), reading.errors);
+  object.finish();
 }
 
 class Listing {
@@ -61,8 +58,8 @@ class Listing {
     if (!reading.errors.empty()) status_ = exitStatus::failed;
     printMessages(std::cerr, source.name, reading.errors);
     if (asJson_) {
-      std::cout << (isArray_ ? isFirst_ ? "[" : ",\n" : "")
-                << jsonText(fileJson(source.name, reading));
+      std::cout << (isArray_ ? isFirst_ ? "[" : ",\n" : "");
+      printFileJson(std::cout, source.name, reading);
     } else if (reading.document && reading.errors.empty()) {
       std::cout << (isFirst_ ? "" : "\n") << listText(source.name, reading);
     } else {

@@ -148,7 +148,7 @@ TextTable leftOutTable(const std::vector<Diagnostic>& leftOut, const FileSummary
 }
 
 ordered_json componentJson(const IBISComponent& component) {
-  ordered_json item;
+  ordered_json item = ordered_json::object();
   item["name"] = component.name.view();
   item["manufacturer"] = textOrNull(component.manufacturer);
   item["pins"] = component.pins.size();
@@ -161,7 +161,7 @@ ordered_json componentJson(const IBISComponent& component) {
 
 ordered_json modelJson(const ModelSummary& summary) {
   const IBISModel& model = *summary.model;
-  ordered_json item;
+  ordered_json item = ordered_json::object();
   item["name"] = model.name.view();
   item["line"] = model.lineNumber;
   item["type"] = modelTypeRow(model.type).name;
@@ -180,7 +180,7 @@ ordered_json modelJson(const ModelSummary& summary) {
 }
 
 ordered_json selectorJson(const SelectorSummary& summary) {
-  ordered_json item;
+  ordered_json item = ordered_json::object();
   item["name"] = summary.selector->name.view();
   item["users"] = usersJson(summary.users);
   ordered_json& choices = item["choices"] = ordered_json::array();
@@ -191,7 +191,7 @@ ordered_json selectorJson(const SelectorSummary& summary) {
 }
 
 ordered_json packageJson(const IBISPackageModel& package) {
-  ordered_json item;
+  ordered_json item = ordered_json::object();
   item["name"] = package.name.view();
   item["line"] = package.line;
   item["manufacturer"] = textOrNull(package.manufacturer);
@@ -215,24 +215,19 @@ std::string listText(const std::string& source, const TolerantReading& reading) 
   return out;
 }
 
-ordered_json listJson(const TolerantReading& reading) {
+void printListJson(JsonObject& object, const TolerantReading& reading) {
   const IBISFileData& file = reading.document->file();
   const FileSummary summary = summarize(reading);
-  ordered_json object;
-  addHeaderJson(object, file);
-  for (const char* key : {"components", "models", "selectors", "packageModels"}) {
-    object[key] = ordered_json::array();
-  }
-  for (const auto& each : file.components) object["components"].push_back(componentJson(*each));
-  for (const ModelSummary& each : summary.models) object["models"].push_back(modelJson(each));
-  for (const SelectorSummary& each : summary.selectors) {
-    object["selectors"].push_back(selectorJson(each));
-  }
-  for (const auto& each : file.packageModels) {
-    object["packageModels"].push_back(packageJson(*each));
-  }
-  object["leftOut"] = diagnosticsJson(reading.leftOut);
-  return object;
+  ordered_json header = ordered_json::object();
+  addHeaderJson(header, file);
+  object.addMembers(header);
+  object.addArray("components", file.components,
+                  [](const auto& each) { return componentJson(*each); });
+  object.addArray("models", summary.models, modelJson);
+  object.addArray("selectors", summary.selectors, selectorJson);
+  object.addArray("packageModels", file.packageModels,
+                  [](const auto& each) { return packageJson(*each); });
+  printDiagnostics(object.begin("leftOut"), reading.leftOut);
 }
 
 }  // namespace ibis::cli

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <string>
 
+#include "json_pieces.h"
 #include "tolerant_reading.h"
 
 namespace ibis::cli {
@@ -11,6 +11,6 @@ namespace ibis::cli {
 std::string listText(const std::string& source, const TolerantReading& reading);
 
 /// The same for a program, without its schema, file and status; see docs/json.md.
-nlohmann::ordered_json listJson(const TolerantReading& reading);
+void printListJson(JsonObject& object, const TolerantReading& reading);
 
 }  // namespace ibis::cli

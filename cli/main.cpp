@@ -2,6 +2,7 @@
 
 #include <csignal>
 
+#include "interruption.h"
 #include "program.h"
 
 namespace {
@@ -22,5 +23,6 @@ int main(int count, char** words) {
   // A closed pipe and a file at its size limit show as failed writes and do not end the program.
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
+  ibis::cli::watchForLackOfMemory();
   return ibis::cli::runProgram(count, words);
 }

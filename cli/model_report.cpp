@@ -219,7 +219,7 @@ void addCornersJson(ordered_json& item, const Points& points) {
 }
 
 ordered_json tableJson(const NamedTable& named) {
-  ordered_json item;
+  ordered_json item = ordered_json::object();
   item["name"] = named.name;
   item["voltage"] = listJson(named.table->voltage);
   addCornersJson(item, *named.table);
@@ -229,7 +229,7 @@ ordered_json tableJson(const NamedTable& named) {
 ordered_json waveformJson(const NamedWaveform& named) {
   const IBISWaveform waveform = withPoints(*named.waveform);
   const IBISTriple fixture = fixtureVoltages(waveform);
-  ordered_json item;
+  ordered_json item = ordered_json::object();
   item["name"] = named.name;
   item["origin"] = named.waveform->kind == IBISWaveform::fromFile ? "given" : "estimated";
   item["R_fixture"] = optionalJson(waveform.rFixture);
@@ -340,7 +340,7 @@ std::string modelText(const ModelSummary& summary) {
 
 ordered_json fullModelJson(const ModelSummary& summary) {
   const IBISModel& model = *summary.model;
-  ordered_json item;
+  ordered_json item = ordered_json::object();
   item["name"] = model.name.view();
   item["line"] = model.lineNumber;
   item["type"] = modelTypeRow(model.type).name;

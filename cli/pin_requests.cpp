@@ -1,11 +1,11 @@
 #include "pin_requests.h"
 
 #include <algorithm>
-#include <sstream>
 
 #include "messages.h"
 #include "near_names.h"
 #include "reader/text/name_index.h"
+#include "text_pieces.h"
 
 namespace ibis::cli {
 namespace {
@@ -36,8 +36,7 @@ std::vector<std::string> pinNames(const std::vector<const IBISComponent*>& compo
 
 // Several names in one word, as other programs take them.
 bool isListOf(const std::string& text, const std::vector<std::string>& names) {
-  std::istringstream words(text);
-  for (std::string word; std::getline(words, word, ',');) {
+  for (const std::string_view word : piecesOf(text, ',')) {
     if (std::ranges::find(names, word) == names.end()) return false;
   }
   return text.find(',') != text.npos;

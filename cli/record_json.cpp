@@ -21,7 +21,7 @@ ordered_json tripleJson(const IBISTriple* triple) {
 ordered_json diagnosticsJson(const std::vector<Diagnostic>& list) {
   ordered_json array = ordered_json::array();
   for (const Diagnostic& each : list) {
-    ordered_json& item = array.emplace_back();
+    ordered_json& item = array.emplace_back(ordered_json::object());
     item["id"] = each.id;
     item["line"] = each.line > 0 ? ordered_json(each.line) : ordered_json();
     item["text"] = each.text;
@@ -38,7 +38,7 @@ ordered_json diagnosticsJson(const std::vector<Diagnostic>& list) {
 ordered_json usersJson(const std::vector<PinGroup>& groups) {
   ordered_json array = ordered_json::array();
   for (const PinGroup& group : groups) {
-    ordered_json& item = array.emplace_back();
+    ordered_json& item = array.emplace_back(ordered_json::object());
     item["component"] = group.component->name.view();
     ordered_json& pins = item["pins"] = ordered_json::array();
     for (const IBISPin* pin : group.pins) pins.push_back(pin->name.view());

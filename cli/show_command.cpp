@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "exit_status.h"
-#include "json_line.h"
+#include "json_pieces.h"
 #include "messages.h"
 #include "model_report.h"
 #include "near_names.h"
@@ -46,16 +46,21 @@ Examples:
   ibis-load show buffer.ibs out_24mA --json | jq '.models[0].driver'
       prints what a driver does at its pin)";
 
+void beginJson(JsonObject& object, const ShowOptions& options, int status) {
+  object.add("schema", jsonSchema);
+  object.add("file", options.source);
+  object.add("status", status);
+}
+
 // What went wrong, told beside what is refused; nothing else is shown then.
 int fail(const ShowOptions& options, std::vector<Diagnostic> errors) {
   printMessages(std::cerr, options.source, errors);
   if (options.asJson) {
-    ordered_json object;
-    object["schema"] = jsonSchema;
-    object["file"] = options.source;
-    object["status"] = exitStatus::failed;
-    object["errors"] = diagnosticsJson(errors);
-    std::cout << jsonLine(object);
+    JsonObject object(std::cout);
+    beginJson(object, options, exitStatus::failed);
+    printDiagnostics(object.begin("errors"), errors);
+    object.finish();
+    std::cout << '\n';
   }
   return exitStatus::failed;
 }
@@ -110,19 +115,20 @@ void print(const ShowOptions& options, const TolerantReading& reading, const Fou
     std::cout << showText(found);
     return;
   }
-  ordered_json object;
-  object["schema"] = jsonSchema;
-  object["file"] = options.source;
-  object["status"] = exitStatus::done;
-  addHeaderJson(object, file);
-  object["source"] = textOrNull(file.source);
-  object["notes"] = textOrNull(file.notes);
-  object["disclaimer"] = textOrNull(file.disclaimer);
-  object["copyright"] = textOrNull(file.copyright);
-  addFoundJson(object, found);
-  object["leftOut"] = diagnosticsJson(reading.leftOut);
-  object["errors"] = ordered_json::array();
-  std::cout << jsonLine(object);
+  JsonObject object(std::cout);
+  beginJson(object, options, exitStatus::done);
+  ordered_json header = ordered_json::object();
+  addHeaderJson(header, file);
+  header["source"] = textOrNull(file.source);
+  header["notes"] = textOrNull(file.notes);
+  header["disclaimer"] = textOrNull(file.disclaimer);
+  header["copyright"] = textOrNull(file.copyright);
+  object.addMembers(header);
+  printFoundJson(object, found);
+  printDiagnostics(object.begin("leftOut"), reading.leftOut);
+  object.begin("errors") << "[]";
+  object.finish();
+  std::cout << '\n';
 }
 
 void checkAgainstEachOther(const ShowOptions& options) {

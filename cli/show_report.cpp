@@ -1,13 +1,13 @@
 #include "show_report.h"
 
 #include <algorithm>
-#include <sstream>
 
 #include "model_report.h"
 #include "printable.h"
 #include "quantity.h"
 #include "reader/vocabulary.h"
 #include "record_json.h"
+#include "text_pieces.h"
 #include "text_table.h"
 
 namespace ibis::cli {
@@ -146,7 +146,7 @@ ordered_json pinJson(const FoundPin& found, bool namesComponent) {
   const IBISTriple r = pin.R_pin();
   const IBISTriple l = pin.L_pin();
   const IBISTriple c = pin.C_pin();
-  ordered_json item;
+  ordered_json item = ordered_json::object();
   if (namesComponent) item["component"] = found.component->name.view();
   item["name"] = pin.name.view();
   item["line"] = pin.line;
@@ -173,7 +173,7 @@ ordered_json wordJson(const char* word) {
 }
 
 ordered_json componentJson(const IBISComponent& component) {
-  ordered_json item;
+  ordered_json item = ordered_json::object();
   item["name"] = component.name.view();
   item["manufacturer"] = textOrNull(component.manufacturer);
   item["packageModel"] = textOrNull(component.packageModelName);
@@ -190,7 +190,7 @@ ordered_json componentJson(const IBISComponent& component) {
 }
 
 ordered_json selectorJson(const SelectorSummary& summary) {
-  ordered_json item;
+  ordered_json item = ordered_json::object();
   item["name"] = summary.selector->name.view();
   item["users"] = usersJson(summary.users);
   ordered_json& choices = item["choices"] = ordered_json::array();
@@ -210,7 +210,7 @@ ordered_json matrixJson(const std::vector<IBISMatrixEntry>& entries) {
 }
 
 ordered_json packageModelJson(const IBISPackageModel& package) {
-  ordered_json item;
+  ordered_json item = ordered_json::object();
   item["name"] = package.name.view();
   item["line"] = package.line;
   item["manufacturer"] = textOrNull(package.manufacturer);
@@ -239,9 +239,8 @@ void addLines(std::string& out, const char* title, IBISString value) {
   if (value.empty()) return;
   out += std::string(title) + ":\n";
   const std::string_view all = value.view();
-  std::istringstream lines{
-      std::string(all.substr(std::min(all.find_first_not_of(' '), all.size())))};
-  for (std::string line; std::getline(lines, line);) {
+  const std::string_view text = all.substr(std::min(all.find_first_not_of(' '), all.size()));
+  for (const std::string_view line : piecesOf(text, '\n')) {
     out += std::string(indent, ' ') + printable(line) + '\n';
   }
 }
@@ -299,21 +298,15 @@ std::string showText(const Found& found) {
   return out;
 }
 
-void addFoundJson(ordered_json& object, const Found& found) {
-  for (const char* key : {"components", "models", "selectors", "packageModels", "pins"}) {
-    object[key] = ordered_json::array();
-  }
-  for (const IBISComponent* each : found.components) {
-    object["components"].push_back(componentJson(*each));
-  }
-  for (const ModelSummary* each : found.models) object["models"].push_back(fullModelJson(*each));
-  for (const SelectorSummary* each : found.selectors) {
-    object["selectors"].push_back(selectorJson(*each));
-  }
-  for (const IBISPackageModel* each : found.packageModels) {
-    object["packageModels"].push_back(packageModelJson(*each));
-  }
-  for (const FoundPin& each : found.pins) object["pins"].push_back(pinJson(each, true));
+void printFoundJson(JsonObject& object, const Found& found) {
+  object.addArray("components", found.components,
+                  [](const auto* each) { return componentJson(*each); });
+  object.addArray("models", found.models, [](const auto* each) { return fullModelJson(*each); });
+  object.addArray("selectors", found.selectors,
+                  [](const auto* each) { return selectorJson(*each); });
+  object.addArray("packageModels", found.packageModels,
+                  [](const auto* each) { return packageModelJson(*each); });
+  object.addArray("pins", found.pins, [](const FoundPin& each) { return pinJson(each, true); });
 }
 
 std::string headerText(const std::string& source, const IBISFileData& file) {

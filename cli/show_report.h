@@ -1,10 +1,10 @@
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
 #include "file_summary.h"
+#include "json_pieces.h"
 
 namespace ibis::cli {
 
@@ -41,7 +41,7 @@ std::vector<std::string> allNames(const IBISFileData& file);
 std::string showText(const Found& found);
 
 /// The same with every number, for a program.
-void addFoundJson(nlohmann::ordered_json& object, const Found& found);
+void printFoundJson(JsonObject& object, const Found& found);
 
 /// The texts of the file's header for a person.
 std::string headerText(const std::string& source, const IBISFileData& file);

@@ -1,9 +1,9 @@
 #include "text_table.h"
 
 #include <algorithm>
-#include <sstream>
 
 #include "text_columns.h"
+#include "text_pieces.h"
 
 namespace ibis::cli {
 namespace {
@@ -18,8 +18,7 @@ std::string wrapped(const std::string& text, std::size_t begun, std::size_t inde
   std::string out;
   std::size_t column = begun;
   bool isFirst = true;
-  std::istringstream words(text);
-  for (std::string word; words >> word; isFirst = false) {
+  for (const std::string_view word : wordsOf(text)) {
     const std::size_t width = columnsOf(word);
     if (!isFirst && column + 1 + width > lineColumns) {
       out += '\n' + std::string(indent, ' ');
@@ -30,6 +29,7 @@ std::string wrapped(const std::string& text, std::size_t begun, std::size_t inde
     }
     out += word;
     column += width;
+    isFirst = false;
   }
   return out;
 }

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <atomic>
+#include <exception>
 #include <iomanip>
 #include <iostream>
 #include <mutex>
@@ -65,18 +66,29 @@ std::vector<ModelResult> runTasks(const std::vector<Task>& tasks, const VerifyOp
   std::mutex mutex;
   std::size_t done = 0;
   Progress progress(tasks.size(), !options.asJson);
+  const auto run = [&](std::size_t i) {
+    results[i] = verifyModel(*tasks[i].model, tasks[i].corner,
+                             options.isCoarse ? dialectTable().front().options : fineOptions);
+    const std::scoped_lock lock(mutex);
+    progress.show(++done, results[i].model);
+  };
+  std::exception_ptr fault;
   const auto work = [&] {
-    for (std::size_t i = next++; i < tasks.size(); i = next++) {
-      results[i] = verifyModel(*tasks[i].model, tasks[i].corner,
-                               options.isCoarse ? dialectTable().front().options : fineOptions);
+    try {
+      for (std::size_t i = next++; i < tasks.size(); i = next++) run(i);
+    } catch (...) {
+      next = tasks.size();
       const std::scoped_lock lock(mutex);
-      progress.show(++done, results[i].model);
+      fault = std::current_exception();
     }
   };
-  std::vector<std::thread> threads;
-  for (unsigned i = 1; i < threadsFor(options.jobs, tasks.size()); ++i) threads.emplace_back(work);
-  work();
-  for (std::thread& thread : threads) thread.join();
+  {
+    std::vector<std::jthread> threads;
+    const unsigned count = threadsFor(options.jobs, tasks.size());
+    for (unsigned i = 1; i < count; ++i) threads.emplace_back(work);
+    work();
+  }
+  if (fault) std::rethrow_exception(fault);
   return results;
 }
 

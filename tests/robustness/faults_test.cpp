@@ -7,6 +7,7 @@
 #include <fstream>
 #include <thread>
 
+#include "robustness/failing_steps.h"
 #include "robustness/load_call.h"
 
 namespace ibis::testing {
@@ -37,6 +38,7 @@ std::size_t __real_fread(void* room, std::size_t size, std::size_t count, std::F
 
 std::size_t __wrap_fread(void* room, std::size_t size, std::size_t count, std::FILE* file) {
   if (ibis::testing::meddler != nullptr) ibis::testing::meddler->beforeRead();
+  if (ibis::testing::FailingStep::fails(EIO)) return 0;
   return __real_fread(room, size, count, file);
 }
 }

@@ -1,0 +1,99 @@
+// Runs that may take no more than so much memory.
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <filesystem>
+#include <functional>
+#include <new>
+
+#include "interruption.h"
+#include "program/run.h"
+#include "program/texts.h"
+
+namespace ibis::testing {
+namespace {
+
+namespace fs = std::filesystem;
+using Words = std::vector<std::string>;
+
+const std::string lacksMemory = "ibis-load: error: std::bad_alloc\n";
+
+// Calls what nothing can be thrown out of.
+void callWatched(const std::function<void()>& work) noexcept {
+  cli::watchForLackOfMemory();
+  work();
+}
+
+TEST(Memory, ThatLacksWhereNothingCanBeThrownEndsInAnError) {
+  EXPECT_EXIT(callWatched([] { throw std::bad_alloc(); }), ::testing::ExitedWithCode(1),
+              "^ibis-load: error: std::bad_alloc\n$");
+}
+
+TEST(Memory, WatchedOverLeavesOtherFaultsAsTheyAre) {
+  EXPECT_EXIT(callWatched([] { throw 7; }), ::testing::KilledBySignal(SIGABRT), "");
+}
+
+// A sanitizer takes more addresses than any limit leaves.
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+
+// Pins of one character, two errors each.
+std::string errorsText(int pins) {
+  std::string text = partText;
+  for (int i = 0; i < pins; ++i) text += "x\n";
+  return text;
+}
+
+Outcome runWithMemory(int kilobytes, const Words& words) {
+  Words all = {"-c", "ulimit -v " + std::to_string(kilobytes) + " && exec \"$0\" \"$@\"",
+               IBIS_PROGRAM_PATH};
+  all.insert(all.end(), words.begin(), words.end());
+  return run(all, {.program = "/bin/sh"});
+}
+
+TEST(Memory, ThatEndsAmong200000ErrorsIsTold) {
+  const TemporaryFolder folder;
+  const std::string source = folder.write("errors.ibs", errorsText(100'000));
+  const Words commands[] = {{"convert", source, "--json", "-o", folder.file("out")},
+                            {"check", source, "--json"},
+                            {"check", source, "--sarif"},
+                            {"list", source, "--json"},
+                            {"show", source, "--json"},
+                            {"export", source, "--json", "-o", folder.file("out")}};
+  for (const Words& words : commands) {
+    SCOPED_TRACE(words.front() + ' ' + words.back());
+    const Outcome outcome = runWithMemory(100'000, words);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err, lacksMemory);
+  }
+  EXPECT_FALSE(fs::exists(folder.file("out")));
+}
+
+TEST(Memory, ThatOneFileUsesUpIsThereForTheOthers) {
+  constexpr int others = 40;
+  for (const char* jobs : {"1", "2"}) {
+    const TemporaryFolder folder;
+    fs::create_directory(folder.file("in"));
+    folder.write("in/a.ibs", errorsText(400'000));
+    for (int i = 0; i < others; ++i) {
+      folder.write("in/b" + std::to_string(i) + ".ibs", bufferText);
+    }
+    const std::string out = folder.file("out");
+    const Outcome outcome = runWithMemory(
+        150'000, {"convert", "--no-check", folder.file("in"), "-q", "-j", jobs, "-o", out});
+    EXPECT_EQ(outcome.status, 1);
+    // The load tells of it, or the conversion around it, by what is asked for last.
+    const std::string lead = folder.file("in/a.ibs") + ": error: ";
+    EXPECT_TRUE(outcome.err == lead + "std::bad_alloc\n" ||
+                outcome.err == lead + "Load failed: std::bad_alloc\n")
+        << outcome.err;
+    for (int i = 0; i < others; ++i) {
+      EXPECT_TRUE(fs::exists(out + "/b" + std::to_string(i) + "/BUF_1.lb")) << i;
+    }
+  }
+}
+
+#endif
+
+}  // namespace
+}  // namespace ibis::testing
