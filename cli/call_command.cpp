@@ -58,19 +58,20 @@ int refuse(const std::exception& fault) {
 
 }  // namespace
 
-void addCallCommand(CLI::App& program, CallOptions& options) {
+CLI::App* addCallCommand(CLI::App& program, CallOptions& options) {
   CLI::App* command = program.add_subcommand(
       "call", "Call the plug-in as a host does: JSON arguments in, JSON result out.");
   command->add_option("--plugin", options.plugin, "The plug-in, if not the program's own")
       ->type_name("PATH");
   command->footer(details);
+  return command;
 }
 
-int runCall(CallOptions options) {
+int runCall(const CallOptions& options) {
   try {
     const CallArguments arguments = parseRequest(readAll(std::cin));
-    if (options.plugin.empty()) options.plugin = ownPluginPath();
-    printResult(std::cout, callPlugin(options.plugin, arguments));
+    const std::string path = options.plugin.empty() ? ownPluginPath() : options.plugin;
+    printResult(std::cout, callPlugin(path, arguments));
     return exitStatus::done;
   } catch (const MalformedRequest& fault) {
     return refuse(fault);

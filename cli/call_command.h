@@ -14,9 +14,9 @@ struct CallOptions {
 };
 
 /// Adds `call` to the program; parsing the command line fills the options.
-void addCallCommand(CLI::App& program, CallOptions& options);
+CLI::App* addCallCommand(CLI::App& program, CallOptions& options);
 
 /// Makes one call from standard input to standard output and returns the exit status.
-int runCall(CallOptions options);
+int runCall(const CallOptions& options);
 
 }  // namespace ibis::cli

@@ -48,6 +48,7 @@ TEST(Usage, WrongUseEndsInStatusTwoAndSaysWhy) {
       {{"convert", "a.ibs", "-j", "08"}, "--jobs: '08' is not a number from 0 to 1024"},
       {{"convert", "a.ibs", "-j", "1025"}, "--jobs: '1025' is not a number from 0 to 1024"},
       {{"convert", "a.ibs", "-j", "10000"}, "--jobs: '10000' is not a number from 0 to 1024"},
+      {{"list", "a.ibs", "--\x1b[m"}, "The following argument was not expected: --\\x1B[m"},
       {{"call", "extra"}, "The following argument was not expected: extra"},
       {{"call", "--plugin"}, "--plugin: 1 required PATH missing"},
   };
