@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <random>
 
+#include "harness/library_lines.h"
 #include "robustness/load_call.h"
 
 namespace ibis::testing {
@@ -167,23 +168,13 @@ TEST(Properties, NoFileIsThereWithAnError) {
   });
 }
 
-// What a line of a library begins with, whatever the file's words are.
-bool beginsAsAllOthers(const std::string& line) {
-  constexpr std::string_view starts[] = {
-      "\n",    "**",  "+",         ".SUBCKT ", ".ENDS",
-      " ",     "\t",  ".MODEL M_", "U_",       "URLC_",
-      "Vpwl_", "BC_", "BL_",       "BR_",      ".model RLC IBIS_rlc_package "};
-  return std::ranges::any_of(starts,
-                             [&](std::string_view start) { return line.starts_with(start); });
-}
-
 TEST(Properties, NoWordOfTheFileBeginsALineOfALibrary) {
   const Loader loader;
   forEachCase([&](const std::string& text, const std::string& mode) {
     const Files files = loader.load(text, mode).files;
     if (!files.contains("dut.lb")) return;
     for (const std::string& line : splitLines(files.at("dut.lb"))) {
-      EXPECT_TRUE(beginsAsAllOthers(line)) << line;
+      EXPECT_TRUE(beginsAsTemplatesDo(line)) << line;
     }
   });
 }
