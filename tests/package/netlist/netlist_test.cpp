@@ -1,6 +1,8 @@
 #include "package/netlist/netlist.h"
 
 #include <cmath>
+#include <random>
+#include <sstream>
 
 #include "harness/harness.h"
 
@@ -165,6 +167,65 @@ TEST(WritePackageNetlist, LeavesPinsBeyondTheNamesUnnamed) {
       netlist(modelOf(2), Nodes{"A"}),
       lines({" IN_A IN_ OUT_A OUT_", "BC_1 IN_A REF q=", "BC_2 IN_ REF q=", "BL_1 IN_A L_A flux=",
              "BL_2 IN_ L_ flux=", "BR_1 L_A OUT_A v=", "BR_2 L_ OUT_ v="}));
+}
+
+// One matrix as its description says it: for each pin the entries of its row, found by looking at
+// all of them, joined by an operator unless the number brings its own.
+std::string plainMatrix(const Matrix& matrix, const Nodes& nodes, const std::string& element) {
+  std::ostringstream text;
+  text.precision(15);
+  for (std::size_t row = 1; row <= nodes.size(); ++row) {
+    const std::string node(nodes[row - 1]);
+    text << 'B' << element << '_' << row << ' ';
+    if (element == "C") text << "IN_" << node << " REF q=";
+    if (element == "L") text << "IN_" << node << " L_" << node << " flux=";
+    if (element == "R") text << "L_" << node << " OUT_" << node << " v=";
+    std::string sign = " ";
+    for (const IBISMatrixEntry& entry : matrix) {
+      if (entry.row != static_cast<std::int32_t>(row)) continue;
+      text << (entry.value < 0 ? " " : sign) << entry.value << '*';
+      if (element == "C") text << "V(IN_" << nodes[static_cast<std::size_t>(entry.column) - 1];
+      text << (element == "C" ? ",REF)" : "I(BL_" + std::to_string(entry.column) + ")");
+      sign = " + ";
+    }
+    text << '\n';
+  }
+  return text.str();
+}
+
+std::string plainNetlist(const IBISPackageModel& model, const Nodes& nodes) {
+  std::string text;
+  for (const std::string side : {"IN_", "OUT_"}) {
+    for (const std::string_view node : nodes) text += ' ' + side + std::string(node);
+  }
+  return text + '\n' + plainMatrix(model.capacitance, nodes, "C") +
+         plainMatrix(model.inductance, nodes, "L") + plainMatrix(model.resistance, nodes, "R");
+}
+
+// Entries in any order, repeated and of any size, those of rows that no pin has among them.
+Matrix randomMatrix(std::mt19937& dice, std::size_t pins) {
+  const auto below = [&](std::size_t limit) { return static_cast<std::int32_t>(dice() % limit); };
+  Matrix matrix(dice() % 30);
+  for (IBISMatrixEntry& entry : matrix) {
+    entry.row = below(pins + 2);
+    entry.column = 1 + below(pins);
+    entry.value = (below(2000) - 1000) * std::pow(10.0, below(40) - 20) / 7.0;
+  }
+  return matrix;
+}
+
+TEST(WritePackageNetlist, AgreesWithItsDescriptionOnManyMatrices) {
+  std::mt19937 dice(5);
+  for (int round = 0; round < 1000; ++round) {
+    const Texts names = {"A", "b_1", "", "IN_", "A", "longer_name", "7", "L_7"};
+    const auto pins = static_cast<std::ptrdiff_t>(1 + dice() % names.size());
+    const Nodes nodes(names.begin(), names.begin() + pins);
+    IBISPackageModel model = modelOf(static_cast<std::int32_t>(nodes.size()));
+    for (Matrix* matrix : {&model.capacitance, &model.inductance, &model.resistance}) {
+      *matrix = randomMatrix(dice, nodes.size());
+    }
+    ASSERT_EQ(netlist(model, nodes), plainNetlist(model, nodes)) << "round " << round;
+  }
 }
 
 }  // namespace
