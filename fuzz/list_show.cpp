@@ -3,6 +3,7 @@
 #include <sstream>
 
 #include "harness/temporary_folder.h"
+#include "json_pieces.h"
 #include "list_report.h"
 #include "printed.h"
 #include "record_json.h"
@@ -15,18 +16,26 @@ namespace {
 constexpr const char* sourceName = "fuzz.ibs";
 constexpr std::size_t mostNames = 10;
 
+template <class Print>
+auto printedJson(Print print) {
+  std::ostringstream out;
+  cli::JsonObject object(out);
+  print(object);
+  object.finish();
+  return checkJson(out.str() + '\n');
+}
+
 void checkFound(const cli::Found& found) {
   REQUIRE(isPlainText(cli::showText(found)));
-  nlohmann::ordered_json object;
-  cli::addFoundJson(object, found);
-  checkJson(cli::jsonLine(object));
+  printedJson([&](cli::JsonObject& object) { cli::printFoundJson(object, found); });
 }
 
 void checkDocument(const cli::TolerantReading& reading) {
   const IBISFileData& file = reading.document->file();
   REQUIRE(isPlainText(cli::listText(sourceName, reading)));
   REQUIRE(isPlainText(cli::headerText(sourceName, file)));
-  const auto list = checkJson(cli::jsonLine(cli::listJson(reading)));
+  const auto list =
+      printedJson([&](cli::JsonObject& object) { cli::printListJson(object, reading); });
   REQUIRE(list["components"].size() == file.components.size());
   REQUIRE(list["leftOut"].size() == reading.leftOut.size());
   const cli::FileSummary summary = cli::summarize(reading);
