@@ -132,6 +132,18 @@ Spot View::argumentSpot(const Block& each) const {
   return spot;
 }
 
+const Block* View::find(std::uint32_t section, std::string_view keyword) const {
+  for (const Block& each : syntax.blocksOf(syntax.sections()[section])) {
+    if (each.keyword != nullptr && each.keyword->name == keyword) return &each;
+  }
+  return nullptr;
+}
+
+const ModelView* View::modelOf(const PinView& pin) const {
+  const std::uint32_t* place = modelByName.find(pin.model);
+  return place == nullptr ? nullptr : &models[*place];
+}
+
 std::string View::nameOf(const Block& each) const {
   const Section& part = syntax.sectionOf(each);
   std::string name = "[";

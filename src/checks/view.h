@@ -197,6 +197,12 @@ struct View {
   }
   const Block& block(std::uint32_t index) const { return syntax.blocks()[index]; }
 
+  /// The first block of a keyword in a section, or null.
+  const Block* find(std::uint32_t section, std::string_view keyword) const;
+
+  /// The model that a pin names, or null.
+  const ModelView* modelOf(const PinView& pin) const;
+
   /// What a block is called, such as "[Pulldown] of 'x'".
   std::string nameOf(const Block& block) const;
 
