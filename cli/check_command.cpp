@@ -8,7 +8,9 @@
 #include <iostream>
 
 #include "check_errors.h"
-#include "check_report.h"
+#include "check_json.h"
+#include "check_sarif.h"
+#include "check_text.h"
 #include "checks/check.h"
 #include "checks/rules.h"
 #include "exit_status.h"
@@ -99,10 +101,22 @@ CheckedFile checkFile(const Source& source, const RuleSelection& selection) {
   return file;
 }
 
-int statusOf(const std::vector<CheckedFile>& files) {
-  const bool hasErrors = std::ranges::any_of(
-      files, [](const CheckedFile& file) { return file.count(Severity::error) > 0; });
-  return hasErrors ? exitStatus::failed : exitStatus::done;
+std::vector<std::string> namesOf(const std::vector<Source>& sources) {
+  std::vector<std::string> names;
+  for (const Source& source : sources) names.push_back(source.name);
+  return names;
+}
+
+// Checks file after file and hands each to what prints it.
+template <class Print>
+int checkAll(const std::vector<Source>& sources, const RuleSelection& selection,
+             CheckTotals& totals, Print print) {
+  for (const Source& source : sources) {
+    const CheckedFile file = checkFile(source, selection);
+    totals.add(file);
+    print(file);
+  }
+  return totals.hasErrors() ? exitStatus::failed : exitStatus::done;
 }
 
 }  // namespace
@@ -135,18 +149,27 @@ CLI::App* addCheckCommand(CLI::App& program, CheckCommandOptions& options) {
 int runCheck(const CheckCommandOptions& options) {
   if (!options.explained.empty()) return explain(options.explained);
   const RuleSelection selection = selectionOf(options);
-  const bool asText = !options.asJson && !options.asSarif;
-  const bool colored = isColored(options.color);
-  std::vector<CheckedFile> files;
-  for (const Source& source : listSources(options.sources, {})) {
-    CheckedFile& file = files.emplace_back(checkFile(source, selection));
-    if (asText) std::cerr << checkText(file, colored);
-    if (!options.asSarif) file.text = std::string();
+  const std::vector<Source> sources = listSources(options.sources, {});
+  CheckTotals totals;
+  if (options.asJson) {
+    CheckJson json(std::cout, areManyFiles(options.sources));
+    const int status =
+        checkAll(sources, selection, totals, [&](const auto& file) { json.add(file); });
+    json.finish();
+    return status;
   }
-  if (options.asJson) printCheckJson(std::cout, files);
-  if (options.asSarif) printSarif(std::cout, files);
-  if (asText) std::cout << checkSummary(files);
-  return statusOf(files);
+  if (options.asSarif) {
+    CheckSarif sarif(std::cout, namesOf(sources));
+    const int status =
+        checkAll(sources, selection, totals, [&](const auto& file) { sarif.add(file); });
+    sarif.finish();
+    return status;
+  }
+  const bool colored = isColored(options.color);
+  const int status = checkAll(sources, selection, totals,
+                              [&](const auto& file) { std::cerr << checkText(file, colored); });
+  std::cout << totals.summary();
+  return status;
 }
 
 }  // namespace ibis::cli

@@ -170,20 +170,56 @@ TEST(CheckCommand, ChecksTheFilesOfAFolder) {
   EXPECT_EQ(result.out, "     1  numeric-decimal-comma\n2 files: 1 error, 0 warnings\n");
 }
 
-TEST(CheckCommand, ReportsAsJson) {
+constexpr const char* commaJson =
+    R"json("diagnostics":[{"id":"numeric-decimal-comma","severity":"error","line":61,"column":16,)json"
+    R"json("length":5,"text":"C_comp: '4,5pF' has a decimal comma; it is read as 4 F )json"
+    R"json((expected 4.5pF)","notes":[{"line":null,"text":"write a point"}]}],)json"
+    R"json("counts":{"error":1,"warning":0,"note":0}})json";
+
+TEST(CheckCommand, ReportsOneFileAsAnObject) {
   const TemporaryFolder folder;
   const std::string name = folder.write("push_pull_buffer.ibs", withComma());
   const Outcome result = run({"check", name, "--json"});
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.err, "");
-  const json report = json::parse(result.out);
-  ASSERT_EQ(report.size(), 1U);
-  EXPECT_EQ(report[0]["file"], name);
-  EXPECT_EQ(report[0]["counts"], json::parse(R"({"error": 1, "warning": 0, "note": 0})"));
-  EXPECT_EQ(report[0]["diagnostics"], json::parse(R"json([
-      {"id": "numeric-decimal-comma", "severity": "error", "line": 61, "column": 16, "length": 5,
-       "text": "C_comp: '4,5pF' has a decimal comma; it is read as 4 F (expected 4.5pF)",
-       "notes": [{"line": null, "text": "write a point"}]}])json"));
+  EXPECT_EQ(result.out, "{\"file\":\"" + name + "\"," + commaJson + "\n");
+}
+
+TEST(CheckCommand, ReportsSeveralFilesAsAnArray) {
+  const TemporaryFolder folder;
+  const std::string bad = folder.write("a.ibs", withComma());
+  const std::string good = folder.write("push_pull_buffer.ibs", sound());
+  const std::string expected = "[{\"file\":\"" + bad + "\"," + commaJson + ",\n{\"file\":\"" +
+                               good + R"(","diagnostics":[],)" +
+                               R"("counts":{"error":0,"warning":0,"note":0}}])" + "\n";
+  EXPECT_EQ(run({"check", bad, good, "--json"}).out, expected);
+  EXPECT_EQ(run({"check", folder.path(), "--json"}).out, expected);
+}
+
+TEST(CheckCommand, ReportsAFolderOfOneFileAsAnArray) {
+  const TemporaryFolder folder;
+  const std::string name = folder.write("a.ibs", withComma());
+  EXPECT_EQ(run({"check", folder.path(), "--json"}).out,
+            "[{\"file\":\"" + name + "\"," + commaJson + "]\n");
+}
+
+TEST(CheckCommand, ReportsWhatHasNoPlaceAsNull) {
+  const Outcome result = run({"check", "absent.ibs", "--json"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.out,
+            R"({"file":"absent.ibs","diagnostics":[{"id":"cannot-open-file","severity":"error",)"
+            R"("line":null,"column":null,"length":null,)"
+            R"("text":"Cannot open the file: No such file or directory","notes":[]}],)"
+            R"("counts":{"error":1,"warning":0,"note":0}})"
+            "\n");
+}
+
+TEST(CheckCommand, ReportsInAscii) {
+  const TemporaryFolder folder;
+  const std::string text = planted("[Manufacturer] Example", "[Manufacturer] \xc3\xa4\xff");
+  const Outcome result = run({"check", folder.write("\xc3\xa4.ibs", text), "-Wall", "--json"});
+  EXPECT_THAT(result.out, HasSubstr("/\\u00e4.ibs\""));
+  for (const char c : result.out) EXPECT_TRUE(c == '\n' || (c >= ' ' && c <= '~')) << int{c};
 }
 
 TEST(CheckCommand, ReportsAsSarif) {
@@ -204,6 +240,33 @@ TEST(CheckCommand, ReportsAsSarif) {
   EXPECT_EQ(place["region"],
             json::parse(R"({"startLine": 61, "startColumn": 16, "endColumn": 21})"));
   EXPECT_EQ(found["relatedLocations"][0]["message"]["text"], "write a point");
+}
+
+TEST(CheckCommand, ReportsAllFilesInOneRunOfSarif) {
+  const TemporaryFolder folder;
+  folder.write("a.ibs", withComma());
+  folder.write("b.ibs", sound());
+  folder.write("c.ibs", withComma());
+  const json log = json::parse(run({"check", folder.path(), "--sarif"}).out);
+  ASSERT_EQ(log["runs"].size(), 1U);
+  const std::string front = "file://" + folder.path() + "/";
+  EXPECT_EQ(log["runs"][0]["artifacts"], json::array({{{"location", {{"uri", front + "a.ibs"}}}},
+                                                      {{"location", {{"uri", front + "b.ibs"}}}},
+                                                      {{"location", {{"uri", front + "c.ibs"}}}}}));
+  const json& results = log["runs"][0]["results"];
+  ASSERT_EQ(results.size(), 2U);
+  const auto uri = [](const json& result) {
+    return result["locations"][0]["physicalLocation"]["artifactLocation"]["uri"];
+  };
+  EXPECT_EQ(uri(results[0]), front + "a.ibs");
+  EXPECT_EQ(uri(results[1]), front + "c.ibs");
+}
+
+TEST(CheckCommand, ReportsASoundFileAsSarifWithoutResults) {
+  const TemporaryFolder folder;
+  const Outcome result = run({"check", folder.write("push_pull_buffer.ibs", sound()), "--sarif"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(json::parse(result.out)["runs"][0]["results"], json::array());
 }
 
 }  // namespace
