@@ -20,7 +20,8 @@ class GatesTest(unittest.TestCase):
         (self.tree / ".ci").mkdir(parents=True)
         shutil.copy(ROOT / ".ci" / "run", self.tree / ".ci")
         self.write("tree/scripts/test", '#!/bin/sh\nenv >"$(dirname "$0")/../environment"\n')
-        for name in ("bootstrap", "check-includes", "check-guides", "test-package", "fuzz"):
+        for name in ("bootstrap", "check-includes", "check-guides", "test-package", "test-sarif",
+                     "fuzz"):
             self.write(f"tree/scripts/{name}", NOTHING)
         for name in ("cmake", "ctest", "git", "clang-format-14"):
             self.write(f"stand-ins/{name}", NOTHING)
@@ -61,13 +62,41 @@ class GatesTest(unittest.TestCase):
         self.assertFalse((self.folder / "was-run").exists())
 
     def test_the_corpus_that_the_variable_names_is_run(self):
-        for name in "29le010 at16245 bug82 cmos_buffer hct1g08 ideal_driver top x980xx".split():
-            self.write(f"shared/corpus/files/{name}.ibs", "")
+        self.write_corpus()
         outcome = self.run_gates(IBIS_CORPUS=str(self.folder / "shared" / "corpus"))
         self.assertEqual(outcome.returncode, 0, outcome.stderr)
         self.assertTrue((self.folder / "was-run").exists())
         self.assertNotIn(LEFT_OUT, outcome.stdout)
         self.assertEqual(outcome.stdout.splitlines()[-1], "=== all gates passed")
+
+    def write_corpus(self):
+        for name in "29le010 at16245 bug82 cmos_buffer hct1g08 ideal_driver top x980xx".split():
+            self.write(f"shared/corpus/files/{name}.ibs", "")
+
+    def test_every_command_reads_the_corpus_under_the_sanitizers(self):
+        self.write_corpus()
+        self.write("tree/build/asan/bin/ibis-load", f'#!/bin/sh\necho "$@" >>{self.folder}/asked\n')
+        outcome = self.run_gates(IBIS_CORPUS=str(self.folder / "shared" / "corpus"))
+        self.assertEqual(outcome.returncode, 0, outcome.stderr)
+        corpus = f"{self.folder}/shared/corpus/files/"
+        asked = [line for line in (self.folder / "asked").read_text().splitlines()
+                 if f"{corpus}one.ibs" in line]
+        asked = [" ".join(word for word in line.split() if not word.startswith("/")) for line in asked]
+        expected = ["list", "list --json", "show", "show --json", "check", "check --json",
+                    "check --sarif"]
+        for mode in ("model", "package", "script", "symbol"):
+            expected += [f"convert -m {mode} -o -q", f"convert -m {mode} -o -q -k --as-version 4.2"]
+        self.assertEqual(asked, expected)
+
+    def test_a_finding_of_a_sanitizer_fails(self):
+        self.write_corpus()
+        self.write("tree/build/asan/bin/ibis-load",
+                   '#!/bin/sh\n[ "$3" != --sarif ] || { echo finding >&2; exit 99; }\n')
+        outcome = self.run_gates(IBIS_CORPUS=str(self.folder / "shared" / "corpus"))
+        first = f"{self.folder}/shared/corpus/files/29le010.ibs"
+        self.assertEqual(outcome.returncode, 1)
+        self.assertEqual(outcome.stderr, f"finding\nstatus 99: check {first} --sarif\n"
+                                         "=== failed: corpus under the sanitizers\n")
 
     def test_a_gate_without_a_test_of_threads_fails(self):
         self.write_thread_tests(0)

@@ -22,7 +22,7 @@ class PlantFaultsTest(unittest.TestCase):
         self.addCleanup(folder.cleanup)
         findings = ", ".join(f'{{"id": "{rule}", "severity": "error"}}' for rule in rules)
         path = Path(folder.name) / "program"
-        path.write_text(f"#!/bin/sh\necho '[{{\"diagnostics\": [{findings}]}}]'\n", encoding="utf-8")
+        path.write_text(f"#!/bin/sh\necho '{{\"diagnostics\": [{findings}]}}'\n", encoding="utf-8")
         path.chmod(0o755)
         return path
 
