@@ -3,6 +3,20 @@
 #include "checks/families.h"
 
 namespace ibis::checks {
+namespace {
+
+// The curves of a model are made once for all families that read them.
+void checkCurves(const View& view, Findings& findings) {
+  for (const ModelView& model : view.models) {
+    if (model.isAfterEnd) continue;
+    const ModelCurves curves(model);
+    checkTables(view, model, curves, findings);
+    checkWaveforms(view, model, curves, findings);
+    checkConsistency(view, model, curves, findings);
+  }
+}
+
+}  // namespace
 
 std::vector<Diagnostic> check(std::string_view text, const CheckOptions& options) {
   const Syntax syntax(text);
@@ -18,9 +32,7 @@ std::vector<Diagnostic> check(std::string_view text, const CheckOptions& options
   checkComponents(view, findings);
   checkSelectors(view, findings);
   checkModels(view, findings);
-  checkTables(view, findings);
-  checkWaveforms(view, findings);
-  checkConsistency(view, findings);
+  checkCurves(view, findings);
   checkPackages(view, findings);
   checkStyle(view, findings);
   return findings.take();

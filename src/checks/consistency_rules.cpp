@@ -93,21 +93,19 @@ class SlewChecker {
 
 }  // namespace
 
-void checkConsistency(const View& view, Findings& findings) {
-  for (const ModelView& model : view.models) {
-    if (!model.isElectrical() || !model.isDriver()) continue;
-    const Driver driver(view, model);
-    SlewChecker slews(driver, findings);
-    for (const Waveform& waveform : model.waveforms) {
-      if (!waveform.rows.isSound) continue;
-      const CornerCurves columns = curvesOf(waveform.rows);
-      checkEnds(driver, waveform, columns, findings);
-      slews.compareSlew(waveform, columns);
-    }
-    checkRampAgainstTables(driver, findings);
-    slews.checkRampAgainstWaveforms();
-    checkTotals(driver, findings);
+void checkConsistency(const View& view, const ModelView& model, const ModelCurves& curves,
+                      Findings& findings) {
+  if (!model.isElectrical() || !model.isDriver()) return;
+  const Driver driver(view, model, curves);
+  SlewChecker slews(driver, findings);
+  for (std::size_t i = 0; i < model.waveforms.size(); ++i) {
+    if (!model.waveforms[i].rows.isSound) continue;
+    checkEnds(driver, model.waveforms[i], curves.waveforms[i], findings);
+    slews.compareSlew(model.waveforms[i], curves.waveforms[i]);
   }
+  checkRampAgainstTables(driver, findings);
+  slews.checkRampAgainstWaveforms();
+  checkTotals(driver, findings);
 }
 
 }  // namespace ibis::checks

@@ -2,8 +2,8 @@
 
 namespace ibis::checks {
 
-Driver::Driver(const View& text, const ModelView& each)
-    : view(text), model(each), name(each.name), curves(each) {
+Driver::Driver(const View& text, const ModelView& each, const ModelCurves& curves)
+    : view(text), model(each), name(each.name) {
   for (const bool isHigh : {false, true}) {
     for (std::size_t c = 0; c < corners; ++c) {
       currents[isHigh ? 1 : 0][c] = PadCurrent::of(model, curves, isHigh, c);

@@ -14,14 +14,11 @@ inline constexpr std::string_view edgeWords[] = {"dV/dt_r", "dV/dt_f"};
 
 /// A model that drives, with the currents into its pad in both states.
 struct Driver {
-  Driver(const View& text, const ModelView& each);
-  Driver(const Driver&) = delete;
-  Driver& operator=(const Driver&) = delete;
+  Driver(const View& text, const ModelView& each, const ModelCurves& curves);
 
   const View& view;
   const ModelView& model;
   std::string name;
-  ModelCurves curves;
   std::optional<PadCurrent> currents[2][corners];  ///< Low, high.
 
   const std::optional<PadCurrent>& current(bool isHigh, std::size_t c) const {

@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "checks/findings.h"
+#include "checks/load_line.h"
 #include "checks/view.h"
 
 namespace ibis::checks {
@@ -18,10 +19,16 @@ void checkHeader(const View& view, Findings& findings);
 void checkComponents(const View& view, Findings& findings);
 void checkSelectors(const View& view, Findings& findings);
 void checkModels(const View& view, Findings& findings);
-void checkTables(const View& view, Findings& findings);
-void checkWaveforms(const View& view, Findings& findings);
-void checkConsistency(const View& view, Findings& findings);
 void checkPackages(const View& view, Findings& findings);
 void checkStyle(const View& view, Findings& findings);
+
+// These read one model, with its curves.
+
+void checkTables(const View& view, const ModelView& model, const ModelCurves& curves,
+                 Findings& findings);
+void checkWaveforms(const View& view, const ModelView& model, const ModelCurves& curves,
+                    Findings& findings);
+void checkConsistency(const View& view, const ModelView& model, const ModelCurves& curves,
+                      Findings& findings);
 
 }  // namespace ibis::checks

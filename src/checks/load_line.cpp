@@ -9,6 +9,79 @@ namespace {
 
 constexpr double infinite = std::numeric_limits<double>::infinity();
 
+Curve curveOf(const Rows& rows, std::size_t corner) {
+  const std::vector<double>& column = rows.y[corner];
+  if (rows.rises && rows.isWhole[corner])
+    return {std::span<const double>(rows.x), std::span<const double>(column)};
+  if (rows.falls && rows.isWhole[corner]) {
+    return {std::vector<double>(rows.x.rbegin(), rows.x.rend()),
+            std::vector<double>(column.rbegin(), column.rend())};
+  }
+  std::vector<double> x;
+  std::vector<double> y;
+  const std::size_t count = rows.size();
+  const bool falls = count > 1 && rows.x.front() > rows.x.back();
+  x.reserve(count);
+  y.reserve(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::size_t row = falls ? count - 1 - i : i;
+    const double value = column[row];
+    const double place = rows.x[row];
+    if (!std::isfinite(value) || !std::isfinite(place)) continue;
+    if (!x.empty() && place <= x.back()) continue;
+    x.push_back(place);
+    y.push_back(value);
+  }
+  return {std::move(x), std::move(y)};
+}
+
+// A curve that is walked in the direction in which the pad's voltage rises.
+class Walk {
+ public:
+  Walk(const Curve& curve, double reference, bool isInverted)
+      : curve_(&curve), reference_(reference), isInverted_(isInverted) {
+    next_ = place_ = padOf(0);
+    y_ = curve_->y[indexOf(0)];
+    slope_ = slopeBehind(0);
+  }
+
+  /// The next break; infinite behind the last.
+  double next() const { return next_; }
+
+  /// The current at a place between the breaks around; the end segments go on outside.
+  double at(double pad) const { return y_ + slope_ * (pad - place_); }
+
+  void pass() {
+    place_ = next_;
+    y_ = curve_->y[indexOf(step_)];
+    ++step_;
+    const bool isBehind = step_ == curve_->x.size();
+    next_ = isBehind ? infinite : padOf(step_);
+    if (!isBehind) slope_ = slopeBehind(step_ - 1);
+  }
+
+ private:
+  std::size_t indexOf(std::size_t step) const {
+    return isInverted_ ? curve_->x.size() - 1 - step : step;
+  }
+  double padOf(std::size_t step) const {
+    const double x = curve_->x[indexOf(step)];
+    return isInverted_ ? reference_ - x : reference_ + x;
+  }
+  double slopeBehind(std::size_t step) const {
+    const std::size_t i = indexOf(step);
+    const std::size_t j = indexOf(step + 1);
+    const double slope = (curve_->y[j] - curve_->y[i]) / (curve_->x[j] - curve_->x[i]);
+    return isInverted_ ? -slope : slope;
+  }
+
+  const Curve* curve_;
+  double reference_;
+  bool isInverted_;
+  std::size_t step_ = 0;
+  double next_, place_, y_, slope_;
+};
+
 }  // namespace
 
 double Curve::at(double place) const {
@@ -19,29 +92,6 @@ double Curve::at(double place) const {
   return y[upper - 1] + slope * (place - x[upper - 1]);
 }
 
-Curve curveOf(const Rows& rows, std::size_t corner) {
-  const std::vector<double>& column = rows.y[corner];
-  if (rows.rises && rows.isWhole[corner]) return {rows.x, column};
-  if (rows.falls && rows.isWhole[corner]) {
-    return {{rows.x.rbegin(), rows.x.rend()}, {column.rbegin(), column.rend()}};
-  }
-  Curve curve;
-  const std::size_t count = rows.size();
-  const bool falls = count > 1 && rows.x.front() > rows.x.back();
-  curve.x.reserve(count);
-  curve.y.reserve(count);
-  for (std::size_t i = 0; i < count; ++i) {
-    const std::size_t row = falls ? count - 1 - i : i;
-    const double value = column[row];
-    const double place = rows.x[row];
-    if (!std::isfinite(value) || !std::isfinite(place)) continue;
-    if (!curve.x.empty() && place <= curve.x.back()) continue;
-    curve.x.push_back(place);
-    curve.y.push_back(value);
-  }
-  return curve;
-}
-
 CornerCurves curvesOf(const Rows& rows) {
   return {curveOf(rows, typ), curveOf(rows, min), curveOf(rows, max)};
 }
@@ -49,6 +99,10 @@ CornerCurves curvesOf(const Rows& rows) {
 ModelCurves::ModelCurves(const ModelView& model) {
   for (std::size_t table = 0; table < tables; ++table) {
     of[table] = curvesOf(model.table[table]);
+  }
+  waveforms.reserve(model.waveforms.size());
+  for (const Waveform& each : model.waveforms) {
+    waveforms.push_back(each.rows.isSound ? curvesOf(each.rows) : CornerCurves());
   }
 }
 
@@ -60,7 +114,7 @@ std::optional<PadCurrent> PadCurrent::of(const ModelView& model, const ModelCurv
                        current.add(model, curves, gndClamp, corner) &&
                        current.add(model, curves, powerClamp, corner);
   if (!isSound) return std::nullopt;
-  current.collectBreaks();
+  current.walk();
   return current;
 }
 
@@ -84,36 +138,28 @@ bool PadCurrent::add(const ModelView& model, const ModelCurves& curves, std::siz
   return true;
 }
 
-// Each curve rises or falls with the pad's voltage, so that all are walked in step.
-void PadCurrent::collectBreaks() {
-  std::vector<double> merged;
+// The walks of all curves pass one break after the other, and are summed up there.
+void PadCurrent::walk() {
+  std::vector<Walk> walks;
+  std::size_t points = 0;
   for (const Term& term : terms_) {
-    std::vector<double> own(term.curve->x);
-    for (double& x : own) x = term.isInverted ? term.reference - x : term.reference + x;
-    if (term.isInverted) std::ranges::reverse(own);
-    merged.resize(breaks_.size() + own.size());
-    std::ranges::merge(breaks_, own, merged.begin());
-    std::swap(breaks_, merged);
+    walks.emplace_back(*term.curve, term.reference, term.isInverted);
+    points += term.curve->x.size();
   }
-  breaks_.erase(std::unique(breaks_.begin(), breaks_.end()), breaks_.end());
-  currents_.assign(breaks_.size(), 0.0);
-  for (const Term& term : terms_) addCurrents(term);
-}
-
-void PadCurrent::addCurrents(const Term& term) {
-  const std::vector<double>& x = term.curve->x;
-  const std::vector<double>& y = term.curve->y;
-  const auto slopeTo = [&](std::size_t i) { return (y[i] - y[i - 1]) / (x[i] - x[i - 1]); };
-  std::size_t upper = 1;
-  double slope = slopeTo(upper);
-  for (std::size_t i = 0; i < breaks_.size(); ++i) {
-    const std::size_t place = term.isInverted ? breaks_.size() - 1 - i : i;
-    const double own =
-        term.isInverted ? term.reference - breaks_[place] : breaks_[place] - term.reference;
-    const std::size_t before = upper;
-    while (upper + 1 < x.size() && x[upper] <= own) ++upper;
-    if (upper != before) slope = slopeTo(upper);
-    currents_[place] += y[upper - 1] + slope * (own - x[upper - 1]);
+  breaks_.reserve(points);
+  currents_.reserve(points);
+  for (;;) {
+    double pad = infinite;
+    for (const Walk& each : walks) pad = std::min(pad, each.next());
+    if (!(pad < infinite)) break;
+    double sum = 0.0;
+    for (Walk& each : walks) {
+      while (each.next() <= pad) each.pass();
+      sum += each.at(pad);
+    }
+    risesAlways_ = risesAlways_ && (currents_.empty() || sum >= currents_.back());
+    breaks_.push_back(pad);
+    currents_.push_back(sum);
   }
 }
 
@@ -125,52 +171,95 @@ double PadCurrent::at(double pad) const {
   return sum;
 }
 
-// The sum of currents is one line between neighbouring breaks, so that each piece is solved
-// exactly; pieces are looked at from the expected voltage outwards, until none can be nearer.
-double PadCurrent::settled(double loadVoltage, double load, double expected) const {
-  if (!std::isfinite(loadVoltage + load + expected)) return notGiven;
-  if (breaks_.empty()) return loadVoltage;
-  constexpr double beyond = 10.0;
-  const std::size_t last = breaks_.size() + 1;
-  const double span = breaks_.back() - breaks_.front();
-  const auto place = [&](std::size_t i) {
-    if (i == 0) return std::min(breaks_.front(), loadVoltage) - span - beyond;
-    return i < last ? breaks_[i - 1] : std::max(breaks_.back(), loadVoltage) + span + beyond;
-  };
-  const auto excess = [&](std::size_t i) {
-    const double current = i == 0 || i == last ? at(place(i)) : currents_[i - 1];
-    return current * load - (loadVoltage - place(i));
-  };
-  double best = notGiven;
-  const auto take = [&](double root) {
-    if (std::isnan(best) || std::abs(root - expected) < std::abs(best - expected)) best = root;
-  };
+namespace {
+
+// The current of a pad and that of a resistor to a voltage, at the breaks and at a place beyond
+// each end; between neighbours both are straight lines, so that each piece is solved exactly.
+class LoadLine {
+ public:
+  LoadLine(const PadCurrent& pad, double voltage, double load)
+      : pad_(pad), voltage_(voltage), load_(load), last_(pad.breaks().size() + 1) {
+    constexpr double beyond = 10.0;
+    const double first = pad.breaks().front();
+    const double final = pad.breaks().back();
+    begin_ = std::min(first, voltage) - (final - first) - beyond;
+    end_ = std::max(final, voltage) + (final - first) + beyond;
+  }
+
+  /// Where currents that nowhere fall meet those of the resistor.
+  double onlyMeeting() {
+    std::size_t left = 0;
+    std::size_t right = last_;
+    while (right - left > 1) {
+      const std::size_t middle = left + (right - left) / 2;
+      (excess(middle) < 0.0 ? left : right) = middle;
+    }
+    look(pointAt(left), pointAt(right));
+    return best_;
+  }
+
+  /// Looks at pieces from the expected voltage outwards, until none can be nearer.
+  double nearestMeeting(double expected) {
+    expected_ = expected;
+    const auto above = std::ranges::upper_bound(pad_.breaks(), expected);
+    std::size_t left = static_cast<std::size_t>(above - pad_.breaks().begin());
+    std::size_t right = left + 1;
+    Point low = pointAt(left);
+    Point high = pointAt(right);
+    look(low, high);
+    while (left > 0 || right < last_) {
+      const double toLeft = left > 0 ? expected - low.x : infinite;
+      const double toRight = right < last_ ? high.x - expected : infinite;
+      if (std::min(toLeft, toRight) >= std::abs(best_ - expected)) break;
+      const bool goesLeft = left > 0 && (right == last_ || toLeft < toRight);
+      Point& end = goesLeft ? low : high;
+      const Point next = pointAt(goesLeft ? --left : ++right);
+      look(end, next);
+      end = next;
+    }
+    return best_;
+  }
+
+ private:
   struct Point {
     double x, y;
   };
-  const auto pointAt = [&](std::size_t i) { return Point{place(i), excess(i)}; };
-  const auto look = [&](const Point& a, const Point& b) {
+
+  double place(std::size_t i) const {
+    if (i == 0) return begin_;
+    return i < last_ ? pad_.breaks()[i - 1] : end_;
+  }
+  double excess(std::size_t i) const {
+    const double current = i == 0 || i == last_ ? pad_.at(place(i)) : pad_.currents()[i - 1];
+    return current * load_ - (voltage_ - place(i));
+  }
+  Point pointAt(std::size_t i) const { return {place(i), excess(i)}; }
+
+  void look(const Point& a, const Point& b) {
     if (a.y == 0.0) take(a.x);
     if (b.y == 0.0) take(b.x);
     if (a.y * b.y < 0.0) take(a.x - a.y * (b.x - a.x) / (b.y - a.y));
-  };
-  const auto above = std::ranges::upper_bound(breaks_, expected);
-  std::size_t left = static_cast<std::size_t>(above - breaks_.begin());
-  std::size_t right = left + 1;
-  Point low = pointAt(left);
-  Point high = pointAt(right);
-  look(low, high);
-  while (left > 0 || right < last) {
-    const double toLeft = left > 0 ? expected - low.x : infinite;
-    const double toRight = right < last ? high.x - expected : infinite;
-    if (std::min(toLeft, toRight) >= std::abs(best - expected)) break;
-    const bool goesLeft = left > 0 && (right == last || toLeft < toRight);
-    Point& end = goesLeft ? low : high;
-    const Point next = pointAt(goesLeft ? --left : ++right);
-    look(end, next);
-    end = next;
   }
-  return best;
+  void take(double root) {
+    const bool isNearer = std::abs(root - expected_) < std::abs(best_ - expected_);
+    if (std::isnan(best_) || isNearer) best_ = root;
+  }
+
+  const PadCurrent& pad_;
+  double voltage_, load_;
+  std::size_t last_;
+  double begin_ = 0.0, end_ = 0.0;
+  double expected_ = 0.0;
+  double best_ = notGiven;
+};
+
+}  // namespace
+
+double PadCurrent::settled(double loadVoltage, double load, double expected) const {
+  if (!std::isfinite(loadVoltage + load + expected)) return notGiven;
+  if (breaks_.empty()) return loadVoltage;
+  LoadLine line(*this, loadVoltage, load);
+  return risesAlways_ && load > 0.0 ? line.onlyMeeting() : line.nearestMeeting(expected);
 }
 
 }  // namespace ibis::checks

@@ -3,6 +3,8 @@
 #include <array>
 #include <cstddef>
 #include <optional>
+#include <span>
+#include <utility>
 #include <vector>
 
 #include "checks/view.h"
@@ -10,9 +12,24 @@
 namespace ibis::checks {
 
 /// A curve of straight lines; its x strictly rises.
-struct Curve {
-  std::vector<double> x = {};
-  std::vector<double> y = {};
+///
+/// It shows the rows themselves where they are in order, else points of its own.
+class Curve {
+ public:
+  Curve() = default;
+  Curve(std::span<const double> places, std::span<const double> values) : x(places), y(values) {}
+  Curve(std::vector<double> places, std::vector<double> values)
+      : ownX_(std::move(places)), ownY_(std::move(values)), x(ownX_), y(ownY_) {}
+  Curve(Curve&&) = default;
+  Curve& operator=(Curve&&) = default;
+
+ private:
+  std::vector<double> ownX_ = {};
+  std::vector<double> ownY_ = {};
+
+ public:
+  std::span<const double> x = {};
+  std::span<const double> y = {};
 
   bool empty() const { return x.size() < 2; }
 
@@ -20,20 +37,18 @@ struct Curve {
   double at(double place) const;
 };
 
-/// The column of a corner; rows without a value and rows that break the order are left out.
+/// The columns of all corners; rows without a value and rows that break the order are left out.
 ///
-/// It is empty where fewer than two points are left.
-Curve curveOf(const Rows& rows, std::size_t corner);
-
-/// The columns of all corners.
+/// A column is empty where fewer than two points are left. The rows must outlive it.
 using CornerCurves = std::array<Curve, corners>;
 CornerCurves curvesOf(const Rows& rows);
 
-/// The curves of a model's tables, by table and corner.
+/// The curves of a model, which all rules share; waveforms with wrong numbers have none.
 struct ModelCurves {
   explicit ModelCurves(const ModelView& model);
 
-  CornerCurves of[tables];
+  CornerCurves of[tables];              ///< By table.
+  std::vector<CornerCurves> waveforms;  ///< As the model's.
 };
 
 /// The current into the pad of a model in one state at one corner.
@@ -68,12 +83,12 @@ class PadCurrent {
 
   bool add(const ModelView& model, const ModelCurves& curves, std::size_t table,
            std::size_t corner);
-  void collectBreaks();
-  void addCurrents(const Term& term);
+  void walk();
 
   std::vector<Term> terms_;
   std::vector<double> breaks_;
   std::vector<double> currents_;
+  bool risesAlways_ = true;  // whether no current is below the one before
 };
 
 }  // namespace ibis::checks

@@ -85,17 +85,21 @@ NumberWord takeNumberWord(std::string_view text, std::size_t& length) {
           .tail = isNA ? std::string_view() : word};
 }
 
-std::size_t plainNumber(std::string_view text, double& value) {
-  if (!startsAsNumber(text) || isHexadecimal(text)) return 0;
-  const NumberPrefix number = readNumber(text);
+PlainNumber plainNumber(std::string_view text) {
+  const NumberPrefix number = readShortNumber(text);
   std::size_t length = number.length;
+  if (length == 0) return {};
   const auto next = [&] { return length < text.size() ? text[length] : ' '; };
-  const double factor = next() == 'n' ? 1e-9 : next() == 'u' ? 1e-6 : next() == 'p' ? 1e-12 : 1.0;
+  const char scale = next();
+  const double factor = scale == 'm'   ? 1e-3
+                        : scale == 'u' ? 1e-6
+                        : scale == 'n' ? 1e-9
+                        : scale == 'p' ? 1e-12
+                                       : 1.0;
   if (factor != 1.0) ++length;
   if (next() == 'V' || next() == 'A' || next() == 's') ++length;
-  if (!isBlank(next())) return 0;
-  value = number.value * factor;
-  return length;
+  if (!isBlank(next())) return {};
+  return {.value = number.value * factor, .length = length, .isMilli = scale == 'm'};
 }
 
 bool isUnitWord(std::string_view word) {

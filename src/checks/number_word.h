@@ -30,10 +30,17 @@ NumberWord readNumberWord(std::string_view word);
 /// Reads the word that a text begins with, and tells its length.
 NumberWord takeNumberWord(std::string_view text, std::size_t& length);
 
-/// Reads a number that a text begins with, bare or with u, n or p and with V, A or s behind it.
+/// A word that nothing can be told of.
+struct PlainNumber {
+  double value = 0.0;
+  std::size_t length = 0;
+  bool isMilli = false;  ///< Whether its scale letter is m.
+};
+
+/// Reads a number that a text begins with, bare or with m, u, n or p and with V, A or s behind it.
 ///
-/// Gives the length of its word; gives 0 for every other word, and then leaves the value alone.
-std::size_t plainNumber(std::string_view text, double& value);
+/// A length of 0 stands for every other word.
+PlainNumber plainNumber(std::string_view text);
 
 /// Whether a word is a unit alone, such as V, pF or mOhm.
 bool isUnitWord(std::string_view word);

@@ -5,7 +5,7 @@
 
 namespace ibis::checks {
 
-std::optional<std::size_t> findOutlier(const std::vector<double>& x, const std::vector<double>& y,
+std::optional<std::size_t> findOutlier(std::span<const double> x, std::span<const double> y,
                                        const OutlierLimits& limits) {
   constexpr double clearly = 8.0;
   if (x.size() < 6) return std::nullopt;

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 #include <optional>
-#include <vector>
+#include <span>
 
 namespace ibis::checks {
 
@@ -15,7 +15,7 @@ struct OutlierLimits {
 /// The first point that leaves the line of its neighbours while they are smooth without it.
 ///
 /// The point is a local extreme; that spares knees and overshoot.
-std::optional<std::size_t> findOutlier(const std::vector<double>& x, const std::vector<double>& y,
+std::optional<std::size_t> findOutlier(std::span<const double> x, std::span<const double> y,
                                        const OutlierLimits& limits);
 
 /// The value at a place on the line through two points.

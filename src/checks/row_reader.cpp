@@ -49,13 +49,14 @@ void RowReader::readCells(Rows& rows, const SourceLine& line, double (&values)[1
   std::size_t index = 0;
   std::string_view rest = line.text;
   for (skipBlanks(rest); count < 1 + corners && !rest.empty(); skipBlanks(rest)) {
-    std::size_t length = plainNumber(rest, values[count]);
-    if (length > 0) {
-      rest.remove_prefix(length);
+    if (const PlainNumber plain = plainNumber(rest); plain.length > 0) {
+      rest.remove_prefix(plain.length);
+      hasMilli_ = hasMilli_ || plain.isMilli;
+      values[count++] = plain.value;
       ++index;
-      ++count;
       continue;
     }
+    std::size_t length = 0;
     const NumberWord read = takeNumberWord(rest, length);
     const auto column = static_cast<std::int32_t>(rest.data() - line.whole.data()) + 1;
     const Word word{.text = rest.substr(0, length), .column = column};

@@ -14,19 +14,15 @@ constexpr std::size_t mostRows = 100;
 
 class TableChecker {
  public:
-  TableChecker(const View& view, Findings& findings) : view_(view), findings_(findings) {}
+  TableChecker(const View& view, const ModelView& model, const ModelCurves& curves,
+               Findings& findings)
+      : view_(view), findings_(findings), model_(&model), curves_(curves), name_(model.name) {}
 
   void check() {
-    for (const ModelView& model : view_.models) {
-      if (model.isAfterEnd) continue;
-      model_ = &model;
-      name_ = std::string(model.name);
-      const ModelCurves curves(model);
-      for (place_ = 0; place_ < tables; ++place_) {
-        if (model.table[place_].given()) checkTable(model.table[place_], curves);
-      }
-      if (model.isElectrical()) checkTogether(curves);
+    for (place_ = 0; place_ < tables; ++place_) {
+      if (model_->table[place_].given()) checkTable(model_->table[place_]);
     }
+    if (model_->isElectrical()) checkTogether();
   }
 
  private:
@@ -46,20 +42,20 @@ class TableChecker {
     if (model_->drivesSubmodel) finding.diagnostic.severity = Severity::note;
   }
 
-  void checkTable(const Rows& rows, const ModelCurves& curves) {
+  void checkTable(const Rows& rows) {
     if (!checkForm(rows) || !rows.isSound) return;
     checkOrder(rows);
     checkSize(rows);
     if (!model_->isElectrical()) return;
-    const Curve& curve = curves.of[place_][typ];
+    const Curve& curve = curves_.of[place_][typ];
     if (curve.empty()) return;
     checkSign(rows, curve);
-    checkOutliers(rows, curves);
+    checkOutliers(rows);
     const double supply = model_->supply();
     if (!(supply > 0.0)) return;
     if (isPull() && model_->isDriver()) checkPull(rows, curve, supply);
     if (!isPull()) checkClamp(rows, curve, supply);
-    checkCorners(rows, curves, supply);
+    checkCorners(rows, supply);
   }
 
   bool checkForm(const Rows& rows) {
@@ -143,9 +139,9 @@ class TableChecker {
          quantity(curve.x.back(), "V"), mustRise ? "rise" : "fall"}));
   }
 
-  void checkOutliers(const Rows& rows, const ModelCurves& curves) {
+  void checkOutliers(const Rows& rows) {
     for (std::size_t c = 0; c < corners; ++c) {
-      const Curve& curve = curves.of[place_][c];
+      const Curve& curve = curves_.of[place_][c];
       const auto found = findOutlier(curve.x, curve.y, {.ofSpan = 0.05, .atLeast = 100e-6});
       if (!found) continue;
       const std::size_t i = *found;
@@ -200,8 +196,8 @@ class TableChecker {
     }
   }
 
-  void checkCorners(const Rows& rows, const ModelCurves& curves, double supply) {
-    const auto& of = curves.of[place_];
+  void checkCorners(const Rows& rows, double supply) {
+    const auto& of = curves_.of[place_];
     if (of[min].empty() || of[max].empty()) return;
     const bool isFlat = std::ranges::all_of(of[typ].y, [](double y) { return y == 0.0; });
     const bool isSupplySame = model_->pullupReference(min) == model_->pullupReference(max);
@@ -221,21 +217,20 @@ class TableChecker {
   }
 
   // Rules about two tables of a model.
-  void checkTogether(const ModelCurves& curves) {
+  void checkTogether() {
     const double supply = model_->supply();
     if (!(supply > 0.0)) return;
     if (model_->isDriver()) {
-      checkClampInPull(curves, pulldown, gndClamp, supply);
-      checkClampInPull(curves, pullup, powerClamp, supply);
+      checkClampInPull(pulldown, gndClamp, supply);
+      checkClampInPull(pullup, powerClamp, supply);
     }
-    checkOverlap(curves);
+    checkOverlap();
   }
 
   // The channel conducts at most what its conductance near 0 says; more of it is the clamp's.
-  void checkClampInPull(const ModelCurves& curves, std::size_t pull, std::size_t clamp,
-                        double supply) {
-    const Curve& p = curves.of[pull][typ];
-    const Curve& c = curves.of[clamp][typ];
+  void checkClampInPull(std::size_t pull, std::size_t clamp, double supply) {
+    const Curve& p = curves_.of[pull][typ];
+    const Curve& c = curves_.of[clamp][typ];
     const bool isSound = model_->table[pull].isSound && model_->table[clamp].isSound;
     if (p.empty() || c.empty() || !isSound) return;
     const double low = std::max({p.x.front(), c.x.front(), -supply});
@@ -255,9 +250,9 @@ class TableChecker {
          quantity(p.at(low), "A"), quantity(c.at(low), "A"), quantity(conductance * low, "A")}));
   }
 
-  void checkOverlap(const ModelCurves& curves) {
-    const Curve& ground = curves.of[gndClamp][typ];
-    const Curve& power = curves.of[powerClamp][typ];
+  void checkOverlap() {
+    const Curve& ground = curves_.of[gndClamp][typ];
+    const Curve& power = curves_.of[powerClamp][typ];
     const double low = model_->gndClampReference(typ);
     const double high = model_->powerClampReference(typ);
     const bool isSound = model_->table[gndClamp].isSound && model_->table[powerClamp].isSound;
@@ -278,13 +273,17 @@ class TableChecker {
 
   const View& view_;
   Findings& findings_;
-  const ModelView* model_ = nullptr;
+  const ModelView* model_;
+  const ModelCurves& curves_;
   std::string name_;
   std::size_t place_ = 0;
 };
 
 }  // namespace
 
-void checkTables(const View& view, Findings& findings) { TableChecker(view, findings).check(); }
+void checkTables(const View& view, const ModelView& model, const ModelCurves& curves,
+                 Findings& findings) {
+  TableChecker(view, model, curves, findings).check();
+}
 
 }  // namespace ibis::checks

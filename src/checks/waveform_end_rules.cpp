@@ -46,7 +46,7 @@ class EndChecker {
          quantity(worst.settled, "V"), percent(worst.difference), quantity(worst.swing, "V"),
          worst.difference > 0.1 ? "; they contradict" : ""});
     driver_.weigh(told, worst.difference <= 0.03);
-    addHint(told, waveform, worst);
+    addHint(told, waveform, columns, worst);
   }
 
  private:
@@ -80,14 +80,15 @@ class EndChecker {
   }
 
   // The supply of the corner may have been meant for the fixture.
-  void addHint(Finding& told, const Waveform& waveform, const Ends& worst) const {
+  void addHint(Finding& told, const Waveform& waveform, const CornerCurves& columns,
+               const Ends& worst) const {
     const double typical = driver_.model.pullupReference(typ);
     const double supply = driver_.model.pullupReference(worst.corner);
     const bool isTied = std::abs(waveform.vFixture.value - typical) <= 1e-3 * std::abs(typical);
     const bool isOpen = !waveform.vFixtureMin.given && !waveform.vFixtureMax.given;
     if (!isTied || !isOpen || worst.corner == typ) return;
-    const Curve curve = curveOf(waveform.rows, worst.corner);
-    const Ends ends = endsOf(waveform, curve, worst.corner, supply);
+
+    const Ends ends = endsOf(waveform, columns[worst.corner], worst.corner, supply);
     if (ends.difference >= 0.02) return;
     addNote(told, 0,
             "it fits if V_fixture_" + std::string(cornerNames[worst.corner]) + " were " +

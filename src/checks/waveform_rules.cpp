@@ -40,22 +40,23 @@ Fixture fixtureOf(const Waveform& waveform) {
 
 class WaveformChecker {
  public:
-  WaveformChecker(const View& view, Findings& findings) : view_(view), findings_(findings) {}
+  WaveformChecker(const View& view, const ModelView& model, const ModelCurves& curves,
+                  Findings& findings)
+      : view_(view), findings_(findings), model_(&model), curves_(curves), name_(model.name) {}
 
   void check() {
-    for (const ModelView& model : view_.models) {
-      if (model.isAfterEnd) continue;
-      model_ = &model;
-      name_ = std::string(model.name);
-      for (const Waveform& waveform : model.waveforms) checkWaveform(waveform);
-      checkTogether();
-    }
+    for (const Waveform& waveform : model_->waveforms) checkWaveform(waveform);
+    checkTogether();
   }
 
  private:
   std::string keyword() const { return waveform_->rises ? "Rising Waveform" : "Falling Waveform"; }
   Spot head() const { return view_.spotOf(view_.block(waveform_->rows.block)); }
   bool isReal() const { return !model_->isDiff() && !model_->hasExternalModel; }
+
+  const CornerCurves& curvesOf(const Waveform& waveform) const {
+    return curves_.waveforms[static_cast<std::size_t>(&waveform - model_->waveforms.data())];
+  }
 
   Spot cell(std::size_t row, std::size_t column) const {
     const SourceLine& line = view_.syntax.lines()[waveform_->rows.lines[row]];
@@ -79,7 +80,7 @@ class WaveformChecker {
                     {keyword(), name_, std::to_string(rows.size()), std::to_string(limit)});
     }
     if (!rows.isSound || !checkTimes()) return;
-    const CornerCurves curves = curvesOf(rows);
+    const CornerCurves& curves = curvesOf(waveform);
     for (std::size_t c = 0; c < corners; ++c) checkOutlier(c, curves[c]);
     if (curves[typ].empty()) return;
     checkShape(curves[typ]);
@@ -258,8 +259,8 @@ class WaveformChecker {
 
   void checkLevels(const Waveform& rising, const Waveform& falling) {
     if (!rising.rows.isSound || !falling.rows.isSound || !isReal()) return;
-    const Curve up = curveOf(rising.rows, typ);
-    const Curve down = curveOf(falling.rows, typ);
+    const Curve& up = curvesOf(rising)[typ];
+    const Curve& down = curvesOf(falling)[typ];
     if (up.empty() || down.empty()) return;
     const double swing =
         std::max(std::abs(up.y.back() - up.y.front()), std::abs(down.y.back() - down.y.front()));
@@ -275,15 +276,17 @@ class WaveformChecker {
 
   const View& view_;
   Findings& findings_;
-  const ModelView* model_ = nullptr;
+  const ModelView* model_;
+  const ModelCurves& curves_;
   const Waveform* waveform_ = nullptr;
   std::string name_;
 };
 
 }  // namespace
 
-void checkWaveforms(const View& view, Findings& findings) {
-  WaveformChecker(view, findings).check();
+void checkWaveforms(const View& view, const ModelView& model, const ModelCurves& curves,
+                    Findings& findings) {
+  WaveformChecker(view, model, curves, findings).check();
 }
 
 }  // namespace ibis::checks

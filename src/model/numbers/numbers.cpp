@@ -58,10 +58,8 @@ bool looksDecimal(std::string_view digits) {
   return digits.size() < 2 || digits[0] != '0' || (digits[1] != 'x' && digits[1] != 'X');
 }
 
-// Reads a decimal number whose digits and power of ten a double holds exactly: then one correctly
-// rounded operation has strtod's result.
-//
-// A length of 0 stands for a text that is longer, larger or not a decimal number.
+}  // namespace
+
 NumberPrefix readShortNumber(std::string_view text) {
   constexpr int maxDigits = 19;  // as many as 64 bits hold
   constexpr std::uint64_t largestExact = std::uint64_t{1} << 53;
@@ -101,6 +99,8 @@ NumberPrefix readShortNumber(std::string_view text) {
   return {exponent < 0 ? value / exactPowers[power] : value * exactPowers[power],
           static_cast<std::size_t>(c - text.data())};
 }
+
+namespace {
 
 double unitFactor(char c) {
   switch (c) {

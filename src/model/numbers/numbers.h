@@ -36,6 +36,12 @@ struct NumberPrefix {
 /// Reads what the C library's strtod reads in the "C" locale, whatever locale the host has set.
 NumberPrefix readNumber(std::string_view text);
 
+/// Reads a decimal number whose digits and power of ten a double holds exactly: then one correctly
+/// rounded operation has strtod's result.
+///
+/// A length of 0 stands for a text that is longer, larger or not a decimal number.
+NumberPrefix readShortNumber(std::string_view text);
+
 /// A number with its unit factor (T G M k m u n p f), or the fallback for "NA".
 ///
 /// Nothing fails: a text without a number is 0.0.
