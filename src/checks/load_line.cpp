@@ -157,10 +157,15 @@ void PadCurrent::walk() {
       while (each.next() <= pad) each.pass();
       sum += each.at(pad);
     }
-    risesAlways_ = risesAlways_ && (currents_.empty() || sum >= currents_.back());
     breaks_.push_back(pad);
     currents_.push_back(sum);
   }
+  highest_ = lowest_ = currents_;
+  for (std::size_t i = 1; i < highest_.size(); ++i) {
+    highest_[i] = std::max(highest_[i - 1], highest_[i]);
+  }
+  for (std::size_t i = lowest_.size(); i-- > 1;)
+    lowest_[i - 1] = std::min(lowest_[i], lowest_[i - 1]);
 }
 
 double PadCurrent::at(double pad) const {
@@ -186,36 +191,16 @@ class LoadLine {
     end_ = std::max(final, voltage) + (final - first) + beyond;
   }
 
-  /// Where currents that nowhere fall meet those of the resistor.
-  double onlyMeeting() {
-    std::size_t left = 0;
-    std::size_t right = last_;
-    while (right - left > 1) {
-      const std::size_t middle = left + (right - left) / 2;
-      (excess(middle) < 0.0 ? left : right) = middle;
-    }
-    look(pointAt(left), pointAt(right));
-    return best_;
-  }
-
-  /// Looks at pieces from the expected voltage outwards, until none can be nearer.
+  /// The voltage nearest to the expected one at which both are equal.
   double nearestMeeting(double expected) {
     expected_ = expected;
-    const auto above = std::ranges::upper_bound(pad_.breaks(), expected);
-    std::size_t left = static_cast<std::size_t>(above - pad_.breaks().begin());
-    std::size_t right = left + 1;
-    Point low = pointAt(left);
-    Point high = pointAt(right);
-    look(low, high);
-    while (left > 0 || right < last_) {
-      const double toLeft = left > 0 ? expected - low.x : infinite;
-      const double toRight = right < last_ ? high.x - expected : infinite;
-      if (std::min(toLeft, toRight) >= std::abs(best_ - expected)) break;
-      const bool goesLeft = left > 0 && (right == last_ || toLeft < toRight);
-      Point& end = goesLeft ? low : high;
-      const Point next = pointAt(goesLeft ? --left : ++right);
-      look(end, next);
-      end = next;
+    const std::size_t first = firstPoint();
+    const std::size_t last = lastPoint();
+    Point low = pointAt(first);
+    for (std::size_t i = first + 1; i <= last; ++i) {
+      const Point high = pointAt(i);
+      look(low, high);
+      low = high;
     }
     return best_;
   }
@@ -231,7 +216,36 @@ class LoadLine {
   }
   double excess(std::size_t i) const {
     const double current = i == 0 || i == last_ ? pad_.at(place(i)) : pad_.currents()[i - 1];
-    return current * load_ - (voltage_ - place(i));
+    return excess(place(i), current);
+  }
+  double excess(double pad, double current) const { return current * load_ - (voltage_ - pad); }
+  // At and in front of this point even the highest current so far is too low.
+  std::size_t firstPoint() const {
+    if (!(load_ > 0.0 && excess(0) < 0.0)) return 0;
+    return breaksWhile(
+        [&](std::size_t k) { return excess(pad_.breaks()[k], pad_.highest()[k]) < 0.0; });
+  }
+  // At and behind this point even the lowest current of the rest is too high.
+  std::size_t lastPoint() const {
+    if (!(load_ > 0.0 && excess(last_) > 0.0)) return last_;
+    return 1 + breaksWhile([&](std::size_t k) {
+             return !(excess(pad_.breaks()[k], pad_.lowest()[k]) > 0.0);
+           });
+  }
+  // How many breaks from the first on hold what holds for no further one.
+  template <class Holds>
+  std::size_t breaksWhile(Holds holds) const {
+    std::size_t begin = 0;
+    std::size_t end = last_ - 1;
+    while (begin < end) {
+      const std::size_t middle = begin + (end - begin) / 2;
+      if (holds(middle)) {
+        begin = middle + 1;
+      } else {
+        end = middle;
+      }
+    }
+    return begin;
   }
   Point pointAt(std::size_t i) const { return {place(i), excess(i)}; }
 
@@ -258,8 +272,7 @@ class LoadLine {
 double PadCurrent::settled(double loadVoltage, double load, double expected) const {
   if (!std::isfinite(loadVoltage + load + expected)) return notGiven;
   if (breaks_.empty()) return loadVoltage;
-  LoadLine line(*this, loadVoltage, load);
-  return risesAlways_ && load > 0.0 ? line.onlyMeeting() : line.nearestMeeting(expected);
+  return LoadLine(*this, loadVoltage, load).nearestMeeting(expected);
 }
 
 }  // namespace ibis::checks

@@ -71,6 +71,10 @@ class PadCurrent {
   /// The currents at these voltages.
   const std::vector<double>& currents() const { return currents_; }
 
+  /// At each break the highest current so far, and the lowest from there on.
+  const std::vector<double>& highest() const { return highest_; }
+  const std::vector<double>& lowest() const { return lowest_; }
+
   /// The pad voltages at which a resistor to a voltage carries this current, the nearest to one.
   double settled(double loadVoltage, double load, double expected) const;
 
@@ -88,7 +92,8 @@ class PadCurrent {
   std::vector<Term> terms_;
   std::vector<double> breaks_;
   std::vector<double> currents_;
-  bool risesAlways_ = true;  // whether no current is below the one before
+  std::vector<double> highest_;
+  std::vector<double> lowest_;
 };
 
 }  // namespace ibis::checks

@@ -1,6 +1,7 @@
 #include "checks/rules.h"
 
 #include <algorithm>
+#include <unordered_map>
 #include <vector>
 
 #include "checks/syntax/standard.h"
@@ -53,9 +54,13 @@ version and keyword.
 std::span<const RuleRow> ruleTable() { return rows; }
 
 std::optional<Rule> findRule(std::string_view id) {
-  const auto* row = std::ranges::find(rows, id, &RuleRow::id);
-  if (row == std::end(rows)) return std::nullopt;
-  return static_cast<Rule>(row - rows);
+  static const auto byId = [] {
+    std::unordered_map<std::string_view, Rule> names;
+    for (const RuleRow& row : rows) names.emplace(row.id, static_cast<Rule>(&row - rows));
+    return names;
+  }();
+  const auto found = byId.find(id);
+  return found == byId.end() ? std::nullopt : std::optional(found->second);
 }
 
 std::string_view nearestRule(std::string_view id) {
