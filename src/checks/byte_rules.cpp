@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
-#include <cstring>
 
 #include "checks/families.h"
 
@@ -77,31 +76,21 @@ bool isOdd(char c) {
   return byte > 126 || (byte < 32 && c != '\t' && c != '\f' && c != '\r');
 }
 
-// A bit for each byte of a word that equals one.
-std::uint64_t equalBytes(std::uint64_t word, char byte) {
-  constexpr std::uint64_t ones = 0x0101010101010101U;
-  constexpr std::uint64_t rest = 0x7f7f7f7f7f7f7f7fU;
-  const std::uint64_t other = word ^ (ones * static_cast<unsigned char>(byte));
-  return ~(((other & rest) + rest) | other | rest);
-}
-
-// Whether any line may hold such a byte; most words of a text need no look at their bytes.
+// Whether any line may hold such a byte. Whole blocks are looked at without a branch, which lets
+// the compiler take many bytes at once.
 bool mayBeOdd(std::string_view text) {
-  constexpr std::uint64_t ones = 0x0101010101010101U;
-  constexpr std::uint64_t tops = 0x8080808080808080U;
-  const auto isOddByte = [](char c) { return c != '\n' && isOdd(c); };
-  std::size_t i = 0;
-  for (; i + sizeof(std::uint64_t) <= text.size(); i += sizeof(std::uint64_t)) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, text.data() + i, sizeof word);
-    const std::uint64_t low = (word - ones * 32U) & ~word;
-    const std::uint64_t high = word | (word + ones);  // 127 and more
-    std::uint64_t odd = (low | high) & tops;
-    if (odd == 0) continue;
-    for (const char plain : {'\n', '\r', '\t', '\f'}) odd &= ~equalBytes(word, plain);
-    if (odd != 0 && std::ranges::any_of(text.substr(i, sizeof word), isOddByte)) return true;
+  constexpr std::size_t block = 64;
+  for (; text.size() >= block; text.remove_prefix(block)) {
+    unsigned char odd = 0;
+    for (std::size_t i = 0; i < block; ++i) {
+      const auto byte = static_cast<unsigned char>(text[i]);
+      const auto isPlain = static_cast<unsigned char>((byte == '\t') | (byte == '\n') |
+                                                      (byte == '\f') | (byte == '\r'));
+      odd |= static_cast<unsigned char>((byte > 126) | ((byte < 32) & (isPlain ^ 1)));
+    }
+    if (odd != 0) return true;
   }
-  return std::ranges::any_of(text.substr(i), isOddByte);
+  return std::ranges::any_of(text, [](char c) { return c != '\n' && isOdd(c); });
 }
 
 class LineChecker {

@@ -85,9 +85,12 @@ class Walk {
 }  // namespace
 
 double Curve::at(double place) const {
-  const auto above = std::upper_bound(x.begin(), x.end(), place);
-  const auto index = static_cast<std::size_t>(above - x.begin());
-  const std::size_t upper = std::clamp<std::size_t>(index, 1, x.size() - 1);
+  std::size_t upper = 1;
+  if (place >= x.back()) {
+    upper = x.size() - 1;
+  } else if (place >= x.front()) {
+    upper = static_cast<std::size_t>(std::ranges::upper_bound(x, place) - x.begin());
+  }
   const double slope = (y[upper] - y[upper - 1]) / (x[upper] - x[upper - 1]);
   return y[upper - 1] + slope * (place - x[upper - 1]);
 }
@@ -123,8 +126,7 @@ bool PadCurrent::add(const ModelView& model, const ModelCurves& curves, std::siz
   if (!model.table[table].given()) return true;
   if (!model.table[table].isSound) return false;
   const bool hasCorner = !curves.of[table][corner].empty();
-  const bool isSameSupply = model.pullupReference(corner) == model.pullupReference(typ);
-  if (!hasCorner && !isSameSupply) return false;
+  if (!hasCorner && model.pullupReference(corner) != model.pullupReference(typ)) return false;
   const Curve& curve = curves.of[table][hasCorner ? corner : typ];
   if (curve.empty()) return true;
   const double reference = table == pulldown   ? model.pulldownReference(corner)
