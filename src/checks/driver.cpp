@@ -3,7 +3,7 @@
 namespace ibis::checks {
 
 Driver::Driver(const View& text, const ModelView& each, const ModelCurves& curves)
-    : view(text), model(each), name(each.name) {
+    : view(text), model(each), name(each.name), supply(each.supply()) {
   for (const bool isHigh : {false, true}) {
     for (std::size_t c = 0; c < corners; ++c) {
       currents[isHigh ? 1 : 0][c] = PadCurrent::of(model, curves, isHigh, c);

@@ -19,6 +19,7 @@ struct Driver {
   const View& view;
   const ModelView& model;
   std::string name;
+  double supply;                                   ///< Between the typ references.
   std::optional<PadCurrent> currents[2][corners];  ///< Low, high.
 
   const std::optional<PadCurrent>& current(bool isHigh, std::size_t c) const {

@@ -112,6 +112,7 @@ ModelCurves::ModelCurves(const ModelView& model) {
 std::optional<PadCurrent> PadCurrent::of(const ModelView& model, const ModelCurves& curves,
                                          bool isHigh, std::size_t corner) {
   PadCurrent current;
+  current.terms_.reserve(3);
   const bool isOpen = isHigh ? model.isOpenDrain() : model.isOpenSource();
   const bool isSound = (isOpen || current.add(model, curves, isHigh ? pullup : pulldown, corner)) &&
                        current.add(model, curves, gndClamp, corner) &&
@@ -143,6 +144,7 @@ bool PadCurrent::add(const ModelView& model, const ModelCurves& curves, std::siz
 // The walks of all curves pass one break after the other, and are summed up there.
 void PadCurrent::walk() {
   std::vector<Walk> walks;
+  walks.reserve(terms_.size());
   std::size_t points = 0;
   for (const Term& term : terms_) {
     walks.emplace_back(*term.curve, term.reference, term.isInverted);

@@ -16,7 +16,12 @@ class TableChecker {
  public:
   TableChecker(const View& view, const ModelView& model, const ModelCurves& curves,
                Findings& findings)
-      : view_(view), findings_(findings), model_(&model), curves_(curves), name_(model.name) {}
+      : view_(view),
+        findings_(findings),
+        model_(&model),
+        curves_(curves),
+        supply_(model.supply()),
+        name_(model.name) {}
 
   void check() {
     for (place_ = 0; place_ < tables; ++place_) {
@@ -51,11 +56,10 @@ class TableChecker {
     if (curve.empty()) return;
     checkSign(rows, curve);
     checkOutliers(rows);
-    const double supply = model_->supply();
-    if (!(supply > 0.0)) return;
-    if (isPull() && model_->isDriver()) checkPull(rows, curve, supply);
-    if (!isPull()) checkClamp(rows, curve, supply);
-    checkCorners(rows, supply);
+    if (!(supply_ > 0.0)) return;
+    if (isPull() && model_->isDriver()) checkPull(rows, curve);
+    if (!isPull()) checkClamp(rows, curve);
+    checkCorners(rows);
   }
 
   bool checkForm(const Rows& rows) {
@@ -158,35 +162,35 @@ class TableChecker {
     }
   }
 
-  void checkPull(const Rows& rows, const Curve& curve, double supply) {
+  void checkPull(const Rows& rows, const Curve& curve) {
     const double atZero = std::abs(curve.at(0.0));
-    const double atHalf = std::abs(curve.at(supply / 2));
-    const double atSupply = std::abs(curve.at(supply));
+    const double atHalf = std::abs(curve.at(supply_ / 2));
+    const double atSupply = std::abs(curve.at(supply_));
     const bool isLarge =
         curve.x.front() <= 0.0 && curve.x.back() >= 0.0 && atZero > std::max(0.1 * atHalf, 100e-6);
     if (isLarge && atSupply < 0.3 * atZero && !model_->isInPair) {
       weigh(findings_.add(
           Rule::tableWrongReference, head(rows),
-          {keyword(), name_, quantity(curve.at(0.0), "A"), quantity(curve.at(supply), "A"),
-           quantity(supply, "V"),
+          {keyword(), name_, quantity(curve.at(0.0), "A"), quantity(curve.at(supply_), "A"),
+           quantity(supply_, "V"),
            place_ == pullup ? "ground (Vtable = Vcc - Vout)" : "the supply (Vtable = Vout)"}));
     } else if (isLarge) {
       findings_.add(Rule::tableCurrentAtZero, head(rows),
                     {keyword(), name_, quantity(curve.at(0.0), "A")});
     }
-    if (curve.x.front() > -0.8 * supply || curve.x.back() < 1.8 * supply) {
+    if (curve.x.front() > -0.8 * supply_ || curve.x.back() < 1.8 * supply_) {
       findings_.add(
           Rule::tableRange, head(rows),
           {keyword(), name_, quantity(curve.x.front(), "V"), quantity(curve.x.back(), "V"),
-           quantity(-supply, "V"), quantity(2.0 * supply, "V")});
+           quantity(-supply_, "V"), quantity(2.0 * supply_, "V")});
     }
   }
 
-  void checkClamp(const Rows& rows, const Curve& curve, double supply) {
-    if (curve.x.front() > -0.8 * supply && std::abs(curve.y.front()) > 1e-3) {
+  void checkClamp(const Rows& rows, const Curve& curve) {
+    if (curve.x.front() > -0.8 * supply_ && std::abs(curve.y.front()) > 1e-3) {
       findings_.add(Rule::tableRangeClamp, head(rows),
                     {keyword(), name_, quantity(curve.x.front(), "V"),
-                     quantity(curve.y.front(), "A"), quantity(-supply, "V")});
+                     quantity(curve.y.front(), "A"), quantity(-supply_, "V")});
     }
     double least = std::abs(curve.y.front());
     for (const double current : curve.y) least = std::min(least, std::abs(current));
@@ -196,7 +200,7 @@ class TableChecker {
     }
   }
 
-  void checkCorners(const Rows& rows, double supply) {
+  void checkCorners(const Rows& rows) {
     const auto& of = curves_.of[place_];
     if (of[min].empty() || of[max].empty()) return;
     const bool isFlat = std::ranges::all_of(of[typ].y, [](double y) { return y == 0.0; });
@@ -206,7 +210,7 @@ class TableChecker {
       return;
     }
     if (!isPull() || !model_->isDriver()) return;
-    const double place = supply / 2;
+    const double place = supply_ / 2;
     const double middle = std::abs(of[typ].at(place));
     const double low = of[min].at(place);
     const double high = of[max].at(place);
@@ -218,22 +222,21 @@ class TableChecker {
 
   // Rules about two tables of a model.
   void checkTogether() {
-    const double supply = model_->supply();
-    if (!(supply > 0.0)) return;
+    if (!(supply_ > 0.0)) return;
     if (model_->isDriver()) {
-      checkClampInPull(pulldown, gndClamp, supply);
-      checkClampInPull(pullup, powerClamp, supply);
+      checkClampInPull(pulldown, gndClamp);
+      checkClampInPull(pullup, powerClamp);
     }
     checkOverlap();
   }
 
   // The channel conducts at most what its conductance near 0 says; more of it is the clamp's.
-  void checkClampInPull(std::size_t pull, std::size_t clamp, double supply) {
+  void checkClampInPull(std::size_t pull, std::size_t clamp) {
     const Curve& p = curves_.of[pull][typ];
     const Curve& c = curves_.of[clamp][typ];
     const bool isSound = model_->table[pull].isSound && model_->table[clamp].isSound;
     if (p.empty() || c.empty() || !isSound) return;
-    const double low = std::max({p.x.front(), c.x.front(), -supply});
+    const double low = std::max({p.x.front(), c.x.front(), -supply_});
     if (low > -0.9) return;
     const double conductance = (p.at(0.0) - p.at(-0.2)) / 0.2;
     for (const double part : {0.0, 0.25, 0.5}) {
@@ -275,6 +278,7 @@ class TableChecker {
   Findings& findings_;
   const ModelView* model_;
   const ModelCurves& curves_;
+  double supply_;
   std::string name_;
   std::size_t place_ = 0;
 };

@@ -68,7 +68,7 @@ class EndChecker {
     }
     Ends ends{.corner = c};
     ends.swing = std::max(std::abs(settled[1] - settled[0]), std::abs(measured[1] - measured[0]));
-    if (ends.swing < 0.05 * driver_.model.supply()) return ends;
+    if (ends.swing < 0.05 * driver_.supply) return ends;
     const double low = std::abs(measured[0] - settled[0]);
     const double high = std::abs(measured[1] - settled[1]);
     ends.isHigh = high > low;

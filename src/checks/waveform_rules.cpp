@@ -42,7 +42,12 @@ class WaveformChecker {
  public:
   WaveformChecker(const View& view, const ModelView& model, const ModelCurves& curves,
                   Findings& findings)
-      : view_(view), findings_(findings), model_(&model), curves_(curves), name_(model.name) {}
+      : view_(view),
+        findings_(findings),
+        model_(&model),
+        curves_(curves),
+        supply_(model.supply()),
+        name_(model.name) {}
 
   void check() {
     for (const Waveform& waveform : model_->waveforms) checkWaveform(waveform);
@@ -102,12 +107,11 @@ class WaveformChecker {
       findings_.add(Rule::waveformRFixture, waveform_->rFixture.spot,
                     {keyword(), name_, quantity(waveform_->rFixture.value, "ohm")});
     }
-    const double supply = model_->supply();
     const double voltage = waveform_->vFixture.value;
-    const double margin = 0.1 * supply + 0.05;
+    const double margin = 0.1 * supply_ + 0.05;
     const double low = std::min(model_->pulldownReference(typ), model_->pullupReference(typ));
     const double high = std::max(model_->pulldownReference(typ), model_->pullupReference(typ));
-    if (supply > 0.0 && (voltage < low - margin || voltage > high + margin)) {
+    if (supply_ > 0.0 && (voltage < low - margin || voltage > high + margin)) {
       findings_.add(
           Rule::waveformVFixtureOutside, waveform_->vFixture.spot,
           {keyword(), name_, quantity(voltage, "V"), quantity(low, "V"), quantity(high, "V")});
@@ -159,9 +163,8 @@ class WaveformChecker {
                     {keyword(), name_, rise < 0.0 ? "falls" : "rises",
                      quantity(curve.y.front(), "V"), quantity(curve.y.back(), "V")});
     }
-    const double supply = model_->supply();
     const bool isPushPull = model_->isElectrical() && model_->isPushPull();
-    if (supply > 0.0 && span < 0.02 * supply && isPushPull) {
+    if (supply_ > 0.0 && span < 0.02 * supply_ && isPushPull) {
       findings_.add(Rule::waveformNoSwing, head(), {keyword(), name_, quantity(span, "V")});
       return;
     }
@@ -278,6 +281,7 @@ class WaveformChecker {
   Findings& findings_;
   const ModelView* model_;
   const ModelCurves& curves_;
+  double supply_;
   const Waveform* waveform_ = nullptr;
   std::string name_;
 };
