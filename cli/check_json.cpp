@@ -9,7 +9,7 @@ namespace {
 using nlohmann::ordered_json;
 
 ordered_json countsOf(const CheckedFile& file) {
-  ordered_json counts;
+  ordered_json counts = ordered_json::object();
   counts["error"] = file.count(Severity::error);
   counts["warning"] = file.count(Severity::warning);
   counts["note"] = file.count(Severity::note);
@@ -21,7 +21,7 @@ ordered_json positive(std::int32_t number) {
 }
 
 ordered_json findingJson(const Diagnostic& each) {
-  ordered_json item;
+  ordered_json item = ordered_json::object();
   item["id"] = each.id;
   item["severity"] = checks::severityWord(each.severity);
   item["line"] = positive(each.line);

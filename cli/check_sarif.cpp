@@ -33,21 +33,23 @@ std::string uriOf(std::string_view path) {
   return uri;
 }
 
+ordered_json sarifText(std::string_view text) { return {{"text", text}}; }
+
 ordered_json sarifRule(const checks::RuleRow& row) {
-  ordered_json rule;
+  ordered_json rule = ordered_json::object();
   rule["id"] = row.id;
-  rule["shortDescription"]["text"] = row.fires;
-  rule["fullDescription"]["text"] =
-      std::string(row.fires) + " Basis: " + std::string(row.clause) + ".";
-  if (!row.remedy.empty()) rule["help"]["text"] = row.remedy;
-  rule["defaultConfiguration"]["level"] = checks::severityWord(row.severity);
-  rule["properties"]["tags"] = ordered_json::array({row.group()});
+  rule["shortDescription"] = sarifText(row.fires);
+  rule["fullDescription"] =
+      sarifText(std::string(row.fires) + " Basis: " + std::string(row.clause) + ".");
+  if (!row.remedy.empty()) rule["help"] = sarifText(row.remedy);
+  rule["defaultConfiguration"] = {{"level", checks::severityWord(row.severity)}};
+  rule["properties"] = {{"tags", ordered_json::array({row.group()})}};
   return rule;
 }
 
 // Characters of a line count in SARIF, bytes do here.
 ordered_json regionOf(const Diagnostic& each, std::string_view line) {
-  ordered_json region;
+  ordered_json region = ordered_json::object();
   region["startLine"] = each.line;
   if (each.column < 1) return region;
   const auto begin = std::min(static_cast<std::size_t>(each.column) - 1, line.size());
@@ -61,51 +63,54 @@ ordered_json regionOf(const Diagnostic& each, std::string_view line) {
   return region;
 }
 
-ordered_json sarifLocation(const std::string& uri) {
-  ordered_json location;
-  location["physicalLocation"]["artifactLocation"]["uri"] = uri;
+// A place in a file; of the whole file where the region is null.
+ordered_json sarifLocation(const std::string& uri, ordered_json region) {
+  ordered_json place = {{"artifactLocation", {{"uri", uri}}}};
+  if (!region.is_null()) place["region"] = std::move(region);
+  ordered_json location = ordered_json::object();
+  location["physicalLocation"] = std::move(place);
   return location;
 }
 
 ordered_json sarifResult(const CheckedFile& file, const TextLines& lines, const Diagnostic& each) {
   const std::string uri = uriOf(file.name);
-  ordered_json result;
+  ordered_json result = ordered_json::object();
   result["ruleId"] = each.id;
   if (const auto rule = checks::findRule(each.id)) {
     result["ruleIndex"] = static_cast<std::size_t>(*rule);
   }
   result["level"] = checks::severityWord(each.severity);
-  result["message"]["text"] = each.text;
-  ordered_json location = sarifLocation(uri);
-  if (each.line > 0) location["physicalLocation"]["region"] = regionOf(each, lines.at(each.line));
-  result["locations"] = ordered_json::array({location});
+  result["message"] = sarifText(each.text);
+  ordered_json region = each.line > 0 ? regionOf(each, lines.at(each.line)) : ordered_json();
+  result["locations"] = ordered_json::array({sarifLocation(uri, std::move(region))});
   ordered_json related = ordered_json::array();
   for (const Note& note : each.notes) {
-    ordered_json other = sarifLocation(uri);
-    if (note.line > 0) other["physicalLocation"]["region"]["startLine"] = note.line;
-    other["message"]["text"] = note.text;
+    const bool hasLine = note.line > 0;
+    ordered_json other =
+        sarifLocation(uri, hasLine ? ordered_json{{"startLine", note.line}} : ordered_json());
+    other["message"] = sarifText(note.text);
     related.push_back(std::move(other));
   }
   if (!related.empty()) result["relatedLocations"] = std::move(related);
   return result;
 }
 
-ordered_json sarifTool() {
-  ordered_json tool;
-  ordered_json& driver = tool["driver"];
-  driver["name"] = "ibis-load";
-  driver["version"] = IBIS_LOAD_VERSION;
-  driver["rules"] = ordered_json::array();
-  for (const checks::RuleRow& row : checks::ruleTable()) driver["rules"].push_back(sarifRule(row));
-  return tool;
+void printDriver(std::ostream& out) {
+  JsonObject driver(out);
+  driver.add("name", "ibis-load");
+  driver.add("version", IBIS_LOAD_VERSION);
+  const std::span<const checks::RuleRow> rows = checks::ruleTable();
+  driver.addArray("rules", std::vector(rows.begin(), rows.end()), sarifRule);
+  driver.finish();
 }
 
 }  // namespace
 
 CheckSarif::CheckSarif(std::ostream& out, const std::vector<std::string>& names) : out_(out) {
   out_ << R"({"$schema":"https://json.schemastore.org/sarif-2.1.0.json","version":"2.1.0","runs":)"
-       << "[{\"tool\":" << jsonText(sarifTool()) << R"(,"columnKind":"unicodeCodePoints")"
-       << ",\"artifacts\":";
+       << R"([{"tool":{"driver":)";
+  printDriver(out_);
+  out_ << R"(},"columnKind":"unicodeCodePoints","artifacts":)";
   printArray(out_, names, [&](const std::string& name) {
     out_ << R"({"location":{"uri":)";
     printJsonText(out_, uriOf(name));
