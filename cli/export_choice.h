@@ -1,8 +1,8 @@
 #pragma once
 
-#include <compare>
 #include <map>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "export_request.h"
@@ -17,7 +17,10 @@ struct SeriesState {
   const IBISModel* model = nullptr;
   bool isOn = false;
 
-  friend auto operator<=>(const SeriesState&, const SeriesState&) = default;
+  friend bool operator==(const SeriesState&, const SeriesState&) = default;
+  friend bool operator<(const SeriesState& a, const SeriesState& b) {
+    return std::tie(a.model, a.isOn) < std::tie(b.model, b.isOn);
+  }
 };
 
 /// A series model between two pins.

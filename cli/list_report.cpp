@@ -19,7 +19,7 @@ constexpr std::size_t indent = 2;
 
 std::string text(IBISString value) { return printable(value.view()); }
 
-std::string orDash(std::string value) { return value.empty() ? "-" : value; }
+std::string orDash(const std::string& value) { return value.empty() ? "-" : value; }
 
 void addSection(std::string& out, const std::string& title, const TextTable& table) {
   if (!table.empty()) out += '\n' + title + ":\n" + table.text();
