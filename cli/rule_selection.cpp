@@ -2,8 +2,6 @@
 
 namespace ibis::cli {
 
-using checks::RuleRow;
-
 RuleSelection::RuleSelection()
     : choices_(checks::ruleTable().size(), Choice::unset),
       errors_(checks::ruleTable().size(), false) {}

@@ -19,7 +19,7 @@ constexpr std::size_t indent = 2;
 
 std::string text(IBISString value) { return printable(value.view()); }
 
-std::string orDash(std::string value) { return value.empty() ? "-" : value; }
+std::string orDash(const std::string& value) { return value.empty() ? "-" : value; }
 
 const char* locationWord(std::int32_t place) {
   return place == location::die ? "Die" : place == location::pin ? "Pin" : nullptr;
