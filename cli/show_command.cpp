@@ -53,7 +53,7 @@ void beginJson(JsonObject& object, const ShowOptions& options, int status) {
 }
 
 // What went wrong, told beside what is refused; nothing else is shown then.
-int fail(const ShowOptions& options, std::vector<Diagnostic> errors) {
+int fail(const ShowOptions& options, const std::vector<Diagnostic>& errors) {
   printMessages(std::cerr, options.source, errors);
   if (options.asJson) {
     JsonObject object(std::cout);
