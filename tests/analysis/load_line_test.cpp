@@ -3,22 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "analysis/switching.h"
+#include "records.h"
 
 namespace ibis {
 namespace {
-
-IBISTriple same(double value) {
-  return {.present = true, .typ = value, .max = value, .min = value};
-}
-
-IBISTable table(std::initializer_list<double> voltage, std::initializer_list<double> current) {
-  IBISTable table;
-  table.present = true;
-  table.direction = IBISTable::ascending;
-  table.voltage = voltage;
-  table.typ = table.min = table.max = current;
-  return table;
-}
 
 Device fourTables() {
   IBISModel model;

@@ -6,6 +6,7 @@
 
 #include "analysis/curve.h"
 #include "analysis/switching.h"
+#include "records.h"
 
 namespace ibis {
 namespace {
@@ -13,19 +14,6 @@ namespace {
 constexpr double supply = 3.0;        // volts
 constexpr double conductance = 0.02;  // of both tables, in siemens
 constexpr double span = 1e-9;         // seconds
-
-IBISTriple same(double value) {
-  return {.present = true, .typ = value, .max = value, .min = value};
-}
-
-IBISTable straight(double slope) {
-  IBISTable table;
-  table.present = true;
-  table.direction = IBISTable::ascending;
-  table.voltage = {-5.0, 5.0};
-  table.typ = table.min = table.max = {-5.0 * slope, 5.0 * slope};
-  return table;
-}
 
 // A pullup that turns on in a straight line between two shares of the span, its pulldown likewise
 // off, into 50 ohm to a voltage.

@@ -7,25 +7,13 @@
 #include "analysis/coefficient_solver.h"
 #include "analysis/die_waveform.h"
 #include "analysis/load_line.h"
+#include "records.h"
 
 namespace ibis {
 namespace {
 
 constexpr double supply = 3.0;        // volts
 constexpr double conductance = 0.02;  // of both tables, in siemens
-
-IBISTriple same(double value) {
-  return {.present = true, .typ = value, .max = value, .min = value};
-}
-
-IBISTable straight(double slope) {
-  IBISTable table;
-  table.present = true;
-  table.direction = IBISTable::ascending;
-  table.voltage = {-5.0, 5.0};
-  table.typ = table.min = table.max = {-5.0 * slope, 5.0 * slope};
-  return table;
-}
 
 IBISModel straightDriver(ModelType type) {
   IBISModel model;
