@@ -1,5 +1,6 @@
 #include "check_errors.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <set>
 #include <system_error>
@@ -34,11 +35,9 @@ checks::CheckOptions checkOptionsOf(const std::string& source) {
 std::vector<Diagnostic> checkErrors(std::string_view text, const std::string& source,
                                     const std::vector<Diagnostic>& told) {
   std::set<std::int32_t> lines;
-  bool hasNothing = false;
-  for (const Diagnostic& each : told) {
-    lines.insert(each.line);
-    hasNothing = hasNothing || each.id == tell(Severity::error, message::noComponent).id;
-  }
+  for (const Diagnostic& each : told) lines.insert(each.line);
+  const std::string_view noComponent = tell(Severity::error, message::noComponent).id;
+  const bool hasNothing = std::ranges::find(told, noComponent, &Diagnostic::id) != told.end();
   std::vector<Diagnostic> found = checks::check(text, checkOptionsOf(source));
   std::erase_if(found, [&](const Diagnostic& each) {
     const bool isTold = (each.line > 0 && lines.contains(each.line)) ||

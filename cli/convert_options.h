@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "conversion.h"
+#include "report.h"
 
 namespace ibis::cli {
 
@@ -24,7 +25,7 @@ struct ConvertOptions {
   bool asJson = false;
   bool isQuiet = false;
   bool warningsFail = false;
-  std::size_t mostMessages = 1000;  ///< Printed of a file; 0 for all.
+  std::size_t mostMessages = usualMessageLimit;  ///< Printed of a file; 0 for all.
 
   std::size_t messageLimit() const { return mostMessages == 0 ? SIZE_MAX : mostMessages; }
 };

@@ -170,23 +170,9 @@ ordered_json modelJson(const ModelSummary& summary) {
   item["risingWaveforms"] = model.risingWaveforms.size();
   item["fallingWaveforms"] = model.fallingWaveforms.size();
   item["users"] = usersJson(summary.users);
-  ordered_json& selectors = item["selectors"] = ordered_json::array();
-  for (const IBISModelSelector* selector : summary.selectors) {
-    selectors.push_back(selector->name.view());
-  }
+  item["selectors"] = selectorNamesJson(summary);
   item["convertible"] = model.isSound;
   item["reasons"] = diagnosticsJson(summary.reasons);
-  return item;
-}
-
-ordered_json selectorJson(const SelectorSummary& summary) {
-  ordered_json item = ordered_json::object();
-  item["name"] = summary.selector->name.view();
-  item["users"] = usersJson(summary.users);
-  ordered_json& choices = item["choices"] = ordered_json::array();
-  for (const IBISModelSelectorRow& row : summary.selector->rows) {
-    choices.push_back({{"model", row.modelName.view()}, {"description", row.description.view()}});
-  }
   return item;
 }
 

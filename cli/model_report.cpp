@@ -347,10 +347,7 @@ ordered_json fullModelJson(const ModelSummary& summary) {
   item["polarity"] = wordJson(polarityOf(model));
   item["enable"] = wordJson(enableOf(model));
   item["users"] = usersJson(summary.users);
-  ordered_json& selectors = item["selectors"] = ordered_json::array();
-  for (const IBISModelSelector* selector : summary.selectors) {
-    selectors.push_back(selector->name.view());
-  }
+  item["selectors"] = selectorNamesJson(summary);
   item["convertible"] = model.isSound;
   item["reasons"] = diagnosticsJson(summary.reasons);
   item["values"] = valuesJson(model);

@@ -137,6 +137,8 @@ bool isZipArchive(const std::string& name) {
 }
 
 std::optional<MemberName> splitMemberName(const std::string& name) {
+  struct stat status {};
+  if (::stat(name.c_str(), &status) == 0) return std::nullopt;  // no archive need be looked for
   for (std::size_t slash = name.find('/', 1); slash != name.npos;
        slash = name.find('/', slash + 1)) {
     const std::string front = name.substr(0, slash);

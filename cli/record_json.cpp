@@ -46,6 +46,24 @@ ordered_json usersJson(const std::vector<PinGroup>& groups) {
   return array;
 }
 
+ordered_json selectorJson(const SelectorSummary& summary) {
+  ordered_json item = ordered_json::object();
+  item["name"] = summary.selector->name.view();
+  item["users"] = usersJson(summary.users);
+  ordered_json& choices = item["choices"] = ordered_json::array();
+  for (const IBISModelSelectorRow& row : summary.selector->rows) {
+    choices.push_back({{"model", row.modelName.view()}, {"description", row.description.view()}});
+  }
+  return item;
+}
+
+ordered_json selectorNamesJson(const ModelSummary& summary) {
+  ordered_json array = ordered_json::array();
+  for (const IBISModelSelector* selector : summary.selectors)
+    array.push_back(selector->name.view());
+  return array;
+}
+
 void addHeaderJson(ordered_json& object, const IBISFileData& file) {
   object["version"] = file.version == 0 ? ordered_json() : versionText(file.version).view();
   object["fileName"] = textOrNull(file.fileName);

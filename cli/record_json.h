@@ -25,4 +25,10 @@ nlohmann::ordered_json usersJson(const std::vector<PinGroup>& groups);
 /// Adds version, file name, revision and date.
 void addHeaderJson(nlohmann::ordered_json& object, const IBISFileData& file);
 
+/// A selector with its users and choices.
+nlohmann::ordered_json selectorJson(const SelectorSummary& summary);
+
+/// The names of the selectors that offer a model.
+nlohmann::ordered_json selectorNamesJson(const ModelSummary& summary);
+
 }  // namespace ibis::cli

@@ -189,17 +189,6 @@ ordered_json componentJson(const IBISComponent& component) {
   return item;
 }
 
-ordered_json selectorJson(const SelectorSummary& summary) {
-  ordered_json item = ordered_json::object();
-  item["name"] = summary.selector->name.view();
-  item["users"] = usersJson(summary.users);
-  ordered_json& choices = item["choices"] = ordered_json::array();
-  for (const IBISModelSelectorRow& row : summary.selector->rows) {
-    choices.push_back({{"model", row.modelName.view()}, {"description", row.description.view()}});
-  }
-  return item;
-}
-
 ordered_json matrixJson(const std::vector<IBISMatrixEntry>& entries) {
   ordered_json array = ordered_json::array();
   for (const IBISMatrixEntry& entry : entries) {
