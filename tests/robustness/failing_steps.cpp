@@ -1,4 +1,7 @@
 // The linker sends the calls of the static libraries here.
+//
+// The functions are visible beyond the program: a sanitizer's library calls some by the same names,
+// and the linker takes such a call for one to send here.
 
 #include "robustness/failing_steps.h"
 
@@ -8,6 +11,8 @@
 #include <cstdio>
 
 using ibis::testing::FailingStep;
+
+#pragma GCC visibility push(default)
 
 extern "C" {
 
@@ -44,3 +49,5 @@ int __wrap_rename(const char* from, const char* to) {
   return FailingStep::fails(EIO) ? -1 : __real_rename(from, to);
 }
 }
+
+#pragma GCC visibility pop
