@@ -1,8 +1,8 @@
 // The program's conversion of a text: its files, the messages that it prints and its JSON.
 //
-// The first line gives mode, component, pins and choices as that of a load does. They are written
-// as a load would write them, with a check; then all modes at once, as far as a file of any version
-// goes.
+// The first line gives mode, component, pins and choices as that of a load does. A text of an even
+// number of bytes is written as a load would write it, with a check; one of an odd number in all
+// modes at once, as far as a file of any version goes.
 
 #include <array>
 #include <set>
@@ -94,6 +94,15 @@ void checkReports(const cli::Conversion& conversion) {
   REQUIRE(json["warnings"].size() == conversion.warnings.size());
 }
 
+// Everything that can be written, in place of what a load would write.
+void goFar(cli::ConversionRequest& request) {
+  request.mode = modes.front();
+  request.furtherModes = {modes.begin() + 1, modes.end()};
+  request.allComponents = request.component.empty();
+  request.reading = {.newerVersions = true, .keepGoing = true};
+  request.isChecked = false;
+}
+
 void check(const cli::ConversionRequest& request) {
   const cli::Conversion conversion = cli::convert(request);
   const Files files = takeFiles();
@@ -113,12 +122,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string_view text = textOf(data, size);
   if (asksForLargeOutput(text)) return 0;
   ibis::cli::ConversionRequest request = requestFor(text);
-  check(request);
-  request.mode = modes.front();
-  request.furtherModes = {modes.begin() + 1, modes.end()};
-  request.allComponents = request.component.empty();
-  request.reading = {.newerVersions = true, .keepGoing = true};
-  request.isChecked = false;
+  if (text.size() % 2 != 0) goFar(request);
   check(request);
   return 0;
 }
