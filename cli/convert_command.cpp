@@ -170,10 +170,7 @@ void addReadingOptions(CLI::App& command, ConvertOptions& options) {
 void addReportOptions(CLI::App& command, ConvertOptions& options) {
   command.add_flag("!--no-check", options.request.isChecked,
                    "Do not tell the errors that the command check finds");
-  command.add_option("--max-messages", options.mostMessages, "Messages told of a file; 0 for all")
-      ->type_name("N")
-      ->check(CLI::Range(0, 1'000'000'000))
-      ->capture_default_str();
+  addMessageLimit(command, options.messages);
   command.add_flag("--json", options.asJson, "Report as JSON on standard output");
   command.add_flag("-q,--quiet", options.isQuiet,
                    "No progress, and no standard output but that of --json");
@@ -223,7 +220,7 @@ void dropSigns(std::vector<std::string>& pins) {
 int convertOneFile(const ConvertOptions& options) {
   const Conversion conversion = convert(options.request);
   const int status = exitStatusOf(conversion, options.warningsFail);
-  printMessages(std::cerr, options.request.source, conversion, options.messageLimit());
+  printMessages(std::cerr, options.request.source, conversion, options.messages.count());
   if (options.asJson) {
     printJson(std::cout, conversion, status);
   } else if (!options.isQuiet) {

@@ -1,11 +1,10 @@
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
 #include "conversion.h"
-#include "report.h"
+#include "message_limit.h"
 
 namespace ibis::cli {
 
@@ -25,9 +24,7 @@ struct ConvertOptions {
   bool asJson = false;
   bool isQuiet = false;
   bool warningsFail = false;
-  std::size_t mostMessages = usualMessageLimit;  ///< Printed of a file; 0 for all.
-
-  std::size_t messageLimit() const { return mostMessages == 0 ? SIZE_MAX : mostMessages; }
+  MessageLimit messages;
 };
 
 }  // namespace ibis::cli

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <string>
 #include <tuple>
@@ -35,6 +36,7 @@ struct ExportChoice {
   const ExportRequest& request;
   const IBISFileData& data;
   const Dialect& dialect;
+  std::uint64_t mostBytes = UINT64_MAX;                     ///< Of each file.
   const IBISComponent* component = nullptr;                 ///< Null for models alone.
   std::vector<const IBISPinEntry*> entries = {};            ///< Of the component, in its order.
   std::vector<const IBISModel*> models = {};                ///< Each once.

@@ -97,6 +97,9 @@ void addOutputOptions(CLI::App& command, ExportOptions& options) {
       ->type_name("DIR")
       ->check(checkFolder)
       ->capture_default_str();
+  command.add_flag("!--no-limit", options.request.isLimited,
+                   "Write files of any size; else each 200 bytes for each of FILE and 100 MB");
+  addMessageLimit(command, options.messages);
   command.add_flag("--json", options.asJson, "Report as JSON on standard output");
   command.add_flag("-q,--quiet", options.isQuiet, "No standard output but that of --json");
   command.add_flag("--werror", options.warningsFail,
@@ -171,7 +174,7 @@ int runExport(const ExportOptions& options) {
   const Export result = exportFile(options.request);
   const Conversion report{result.files, result.warnings, result.errors};
   const int status = exitStatusOf(report, options.warningsFail);
-  printMessages(std::cerr, options.request.source, report);
+  printMessages(std::cerr, options.request.source, report, options.messages.count());
   if (options.asJson) {
     printJson(result, status);
   } else if (!options.isQuiet) {

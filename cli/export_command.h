@@ -1,10 +1,7 @@
 #pragma once
 
 #include "export_files.h"
-
-namespace CLI {
-class App;
-}
+#include "message_limit.h"
 
 namespace ibis::cli {
 
@@ -14,6 +11,7 @@ struct ExportOptions {
   bool asJson = false;
   bool isQuiet = false;
   bool warningsFail = false;
+  MessageLimit messages;
 };
 
 /// Adds `export` to the program; the record is filled when the command line is parsed.

@@ -9,6 +9,7 @@
 #include "export_source.h"
 #include "finding_messages.h"
 #include "interruption.h"
+#include "limited_sink.h"
 #include "messages.h"
 #include "simulator/bench_setup.h"
 #include "simulator/component_assembly.h"
@@ -43,6 +44,7 @@ void addComponent(ExportChoice& choice, SubcircuitFile& file, Export& result) {
   addPins(file, *choice.component, pins, choice.names);
   addSeries(choice, file, result);
   file.component->hasPackage = package != PackageKind::none;
+  tellPinValues(choice, file, result);
   if (package == PackageKind::coupled) couplePins(choice, file, result);
   file.component->notes = componentNotes(file, *choice.component, pins);
 }
@@ -64,27 +66,40 @@ bool isSource(const ExportChoice& choice, const std::string& name) {
   return fs::equivalent(choice.request.source, name, ignored);
 }
 
-// Writes one file by a function of a writer; false, with an error, if that cannot be.
+// Whether the whole file was written and is in its place.
+template <class Write>
+bool isPut(const ExportChoice& choice, const std::string& name, Write write) {
+  WatchedSink files;
+  LimitedSink sink(files, choice.mostBytes);
+  const std::unique_ptr<OutputStream> out = OutputStream::open(sink, name);
+  if (!out) return false;
+  NetlistWriter writer(*out, choice.dialect);
+  write(writer);
+  return out->close() && sink.keep(name);
+}
+
+// What kept a file from being written by a function of a writer, if anything did.
+template <class Write>
+std::optional<Diagnostic> put(const ExportChoice& choice, const std::string& name, Write write) {
+  if (isSource(choice, name)) return tell(Severity::error, message::outputIsInput, name.c_str());
+  try {
+    if (isPut(choice, name, write)) return std::nullopt;
+  } catch (const OutputTooLarge&) {
+    return tell(Severity::error, message::outputTooLarge, choice.mostBytes);
+  }
+  return tell(Severity::error, message::cannotWriteFile, name.c_str());
+}
+
+// Writes one file; false, with an error, if that cannot be.
 template <class Write>
 bool writeFile(const ExportChoice& choice, const std::string& name, Export& result, Write write) {
-  if (isSource(choice, name)) {
-    result.errors.push_back(tell(Severity::error, message::outputIsInput, name.c_str()));
-    return false;
-  }
-  WatchedSink sink;
-  const std::unique_ptr<OutputStream> out = OutputStream::open(sink, name);
-  bool isWritten = out != nullptr;
-  if (isWritten) {
-    NetlistWriter writer(*out, choice.dialect);
-    write(writer);
-    isWritten = out->close() && sink.keep(name);
-  }
-  if (isWritten) {
+  std::optional<Diagnostic> obstacle = put(choice, name, write);
+  if (!obstacle) {
     result.files.push_back(name);
-  } else {
-    result.errors.push_back(tell(Severity::error, message::cannotWriteFile, name.c_str()));
+    return true;
   }
-  return isWritten;
+  result.errors.push_back(std::move(*obstacle));
+  return false;
 }
 
 ExportedSubcircuit describeModel(const ExportChoice& choice, const SubcircuitFile& file,
@@ -202,6 +217,7 @@ Export exportFile(const ExportRequest& request) {
   const IBISFileData& data = source.document->file();
   result.warnings = data.warnings;
   ExportChoice choice{.request = request, .data = data, .dialect = *findDialect(request.format)};
+  if (request.isLimited) choice.mostBytes = usualOutputLimit(source.size);
   choose(choice, result);
   if (choice.component != nullptr) chooseSeries(choice, result);
   if (!choice.series.empty()) forgetSeriesRefusals(result.warnings);

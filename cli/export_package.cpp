@@ -1,13 +1,17 @@
 #include "export_package.h"
 
-#include <algorithm>
+#include <cmath>
+#include <set>
 
 #include "messages.h"
+#include "reader/text/name_index.h"
+#include "simulator/component_assembly.h"
 
 namespace ibis::cli {
 namespace {
 
-constexpr std::size_t mostCoupledPins = 24;  // without a choice of pins or of couplings
+constexpr std::size_t mostCoupledPins = 24;   // without a choice of pins or of couplings
+constexpr std::size_t mostChosenPins = 1000;  // whose matrices are factorised in seconds
 
 // The pads of a component with their pins' names, in the order of the entries.
 struct NamedPad {
@@ -32,19 +36,22 @@ std::vector<NamedPad> namedPads(const ExportChoice& choice, SubcircuitFile& file
 // The rows of the pads' pins in a package model, from 1; a pin without one is told.
 std::vector<std::int32_t> rowsOf(const ExportChoice& choice, const IBISPackageModel& model,
                                  SubcircuitFile& file, Export& result) {
+  NameMap<ExactCase, std::int32_t> rowOf;  // of pins that share a name by mistake the first
+  std::int32_t number = 0;
+  for (const IBISString name : model.pinNames) rowOf.add(name.view(), ++number);
   std::vector<std::int32_t> rows;
+  std::set<std::int32_t> taken;
   for (const NamedPad& each : namedPads(choice, file)) {
-    const auto found = std::ranges::find(model.pinNames, each.name);
-    if (found == model.pinNames.end()) {
+    const std::int32_t* row = rowOf.find(each.name.view());
+    if (row == nullptr) {
       warn(result, file,
            tell(Severity::warning, message::pinNotInPackage, each.name.str().c_str()));
       continue;
     }
-    const auto row = static_cast<std::int32_t>(found - model.pinNames.begin()) + 1;
-    // Of pins that share a name by mistake the first has the row.
-    if (std::ranges::find(rows, row) != rows.end()) continue;
+    // Of pads that share a name by mistake the first has the row.
+    if (!taken.insert(*row).second) continue;
     each.pad->coupled = rows.size();
-    rows.push_back(row);
+    rows.push_back(*row);
   }
   return rows;
 }
@@ -69,17 +76,23 @@ void tellCoupled(Export& result, SubcircuitFile& file, const std::string& name,
     warn(result, file,
          tell(warning, message::capacitancesDropped, n, count(package.droppedCapacitances)));
   }
+  if (package.droppedEntries != 0) {
+    warn(result, file, tell(warning, message::entriesNotFinite, n, count(package.droppedEntries)));
+  }
   if (package.hasBadDiagonal) {
     warn(result, file, tell(warning, message::packageDiagonalNegative, n));
   }
 }
 
-void refuseTooMany(const ExportRequest& request, const CoupledPackage& package, Export& result) {
-  const std::size_t pins = package.resistance.size();
+bool hasOddPair(const IBISPinEntry& entry) {
+  const IBISDiffPin* pair = entry.isPair() ? entry.diffPin : nullptr;
+  return pair != nullptr && !(std::isfinite(pair->vdiff) && std::isfinite(pair->tdelay_typ) &&
+                              std::isfinite(pair->tdelay_min) && std::isfinite(pair->tdelay_max));
+}
+
+bool areTooMany(const ExportRequest& request, std::size_t pins) {
   const bool isChosen = !request.pins.empty() || request.hasSmallestCoupling;
-  if (pins <= mostCoupledPins || isChosen) return;
-  result.errors.push_back(tell(Severity::error, message::tooManyCoupledPins, static_cast<int>(pins),
-                               static_cast<int>(package.couplings.size())));
+  return pins > (isChosen ? mostChosenPins : mostCoupledPins);
 }
 
 }  // namespace
@@ -87,6 +100,25 @@ void refuseTooMany(const ExportRequest& request, const CoupledPackage& package, 
 void warn(Export& result, SubcircuitFile& file, Diagnostic diagnostic) {
   file.warnings.push_back(diagnostic.text);
   result.warnings.push_back(std::move(diagnostic));
+}
+
+void tellPinValues(const ExportChoice& choice, SubcircuitFile& file, Export& result) {
+  const IBISComponent& component = *choice.component;
+  const auto isOdd = [&](const IBISPin& pin) {
+    return file.component->hasPackage && hasUnusablePackage(component, pin, file.corner);
+  };
+  std::vector<IBISString> odd;
+  for (const IBISPinEntry* entry : choice.entries) {
+    if (isOdd(*entry->pin) || hasOddPair(*entry)) odd.push_back(entry->pin->name);
+    if (entry->isPair() && isOdd(*entry->invertedPin)) odd.push_back(entry->invertedPin->name);
+  }
+  for (const IBISPin* pin : choice.barePins) {
+    if (isOdd(*pin)) odd.push_back(pin->name);
+  }
+  if (odd.empty()) return;
+  warn(result, file,
+       tell(Severity::warning, message::pinValuesLeftOut, component.name.str().c_str(),
+            static_cast<int>(odd.size()), odd.front().str().c_str()));
 }
 
 void couplePins(const ExportChoice& choice, SubcircuitFile& file, Export& result) {
@@ -98,8 +130,14 @@ void couplePins(const ExportChoice& choice, SubcircuitFile& file, Export& result
     return;
   }
   const double smallest = choice.request.smallestCoupling;
-  CoupledPackage package = coupledPackage(*model, rowsOf(choice, *model, file, result), smallest);
-  refuseTooMany(choice.request, package, result);
+  const std::vector<std::int32_t> rows = rowsOf(choice, *model, file, result);
+  if (areTooMany(choice.request, rows.size())) {
+    result.errors.push_back(tell(Severity::error, message::tooManyCoupledPins,
+                                 static_cast<int>(rows.size()),
+                                 static_cast<int>(countCouplings(*model, rows, smallest))));
+    return;
+  }
+  CoupledPackage package = coupledPackage(*model, rows, smallest);
   tellCoupled(result, file, model->name.str(), package, smallest);
   file.component->coupled = std::move(package);
 }

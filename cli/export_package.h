@@ -12,4 +12,7 @@ void warn(Export& result, SubcircuitFile& file, Diagnostic diagnostic);
 /// cannot be written.
 void couplePins(const ExportChoice& choice, SubcircuitFile& file, Export& result);
 
+/// Tells how many pins have values that no package element has.
+void tellPinValues(const ExportChoice& choice, SubcircuitFile& file, Export& result);
+
 }  // namespace ibis::cli

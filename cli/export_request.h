@@ -26,6 +26,7 @@ struct ExportRequest {
   double smallestCoupling = 0.01;
   bool hasSmallestCoupling = false;  ///< A person gave it.
   bool hasBench = false;
+  bool isLimited = true;  ///< No file is larger than the usual limit of output.
   std::string folder = ".";
 };
 

@@ -1,6 +1,7 @@
 #include "export_series.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 #include "component/model_selector.h"
 #include "export_package.h"
@@ -11,52 +12,72 @@
 namespace ibis::cli {
 namespace {
 
-const IBISPin* findPin(const IBISComponent& component, IBISString name) {
-  const auto found = std::ranges::find(component.pins, name, &IBISPin::name);
-  return found == component.pins.end() ? nullptr : &*found;
-}
-
 bool isWanted(const ExportRequest& request, IBISString pin) {
   return request.pins.empty() || std::ranges::find(request.pins, pin.view()) != request.pins.end();
 }
 
-// The first line of the groups is the state to begin with: it names those that are on, or off.
-bool isSwitchOn(const IBISComponent& component, IBISString group) {
-  if (component.seriesSwitchGroups.empty()) return true;
-  const IBISSeriesSwitchGroup& first = component.seriesSwitchGroups.front();
-  const bool isNamed = std::ranges::find(first.pins, group) != first.pins.end();
-  return isNamed == (first.state == IBISSeriesSwitchGroup::on);
-}
-
-bool isOnPad(const ExportChoice& choice, const IBISPin* pin) {
-  const auto has = [&](const IBISPinEntry* entry) {
-    return entry->pin == pin || (entry->invertedPin == pin && entry->isPair() &&
-                                 choice.modelWords.contains(entry->invertedModel));
-  };
-  return std::ranges::any_of(choice.entries, has) ||
-         std::ranges::find(choice.barePins, pin) != choice.barePins.end();
-}
-
-void addBarePin(ExportChoice& choice, const IBISPin* pin) {
-  if (!isOnPad(choice, pin)) choice.barePins.push_back(pin);
-}
-
-void chooseRow(ExportChoice& choice, const IBISSeriesPinMapping& row, Export& result) {
-  const IBISComponent& component = *choice.component;
-  const IBISPin* pins[] = {findPin(component, row.pin), findPin(component, row.pin_2)};
-  const IBISModel* model = findModel(choice.data, row.model_name);
-  const bool isSeries = model != nullptr && isSeriesType(model->type);
-  if (pins[0] == nullptr || pins[1] == nullptr || !isSeries) {
-    result.warnings.push_back(tell(Severity::warning, message::seriesRowUnusable,
-                                   component.name.str().c_str(), row.model_name.str().c_str(),
-                                   row.pin.str().c_str(), row.pin_2.str().c_str()));
-    return;
+// Chooses the rows of a component one by one, with what is looked up in the file indexed once.
+class RowChooser {
+ public:
+  RowChooser(ExportChoice& choice, Export& result)
+      : choice_(choice), result_(result), models_(choice.data) {
+    for (const IBISPin& pin : choice.component->pins) pins_.add(pin.name.view(), &pin);
+    for (const IBISPinEntry* entry : choice.entries) addPads(*entry);
+    if (const IBISSeriesSwitchGroup* first = firstGroup()) {
+      for (const IBISString group : first->pins) firstGroups_.findOrAdd(group.view());
+    }
   }
-  for (const IBISPin* pin : pins) addBarePin(choice, pin);
-  const bool isSwitch = model->type == ModelType::seriesSwitch;
-  choice.series.push_back(
-      {{model, isSwitch && isSwitchOn(component, row.function_table_group)}, pins[0], pins[1]});
-}
+
+  void choose(const IBISSeriesPinMapping& row) {
+    const IBISPin* const pins[] = {findPin(row.pin), findPin(row.pin_2)};
+    const IBISModel* model = models_.find(row.model_name.view());
+    const bool isSeries = model != nullptr && isSeriesType(model->type);
+    if (pins[0] == nullptr || pins[1] == nullptr || !isSeries) {
+      result_.warnings.push_back(
+          tell(Severity::warning, message::seriesRowUnusable, choice_.component->name.str().c_str(),
+               row.model_name.str().c_str(), row.pin.str().c_str(), row.pin_2.str().c_str()));
+      return;
+    }
+    for (const IBISPin* pin : pins) {
+      if (onPad_.insert(pin).second) choice_.barePins.push_back(pin);
+    }
+    const bool isSwitch = model->type == ModelType::seriesSwitch;
+    choice_.series.push_back(
+        {{model, isSwitch && isSwitchOn(row.function_table_group)}, pins[0], pins[1]});
+  }
+
+ private:
+  const IBISSeriesSwitchGroup* firstGroup() const {
+    const auto& groups = choice_.component->seriesSwitchGroups;
+    return groups.empty() ? nullptr : &groups.front();
+  }
+
+  void addPads(const IBISPinEntry& entry) {
+    onPad_.insert(entry.pin);
+    if (entry.isPair() && choice_.modelWords.contains(entry.invertedModel)) {
+      onPad_.insert(entry.invertedPin);
+    }
+  }
+
+  const IBISPin* findPin(IBISString name) const {
+    const IBISPin* const* found = pins_.find(name.view());
+    return found == nullptr ? nullptr : *found;
+  }
+
+  // The first line of the groups is the state to begin with: it names those that are on, or off.
+  bool isSwitchOn(IBISString group) const {
+    const IBISSeriesSwitchGroup* first = firstGroup();
+    if (first == nullptr) return true;
+    return firstGroups_.contains(group.view()) == (first->state == IBISSeriesSwitchGroup::on);
+  }
+
+  ExportChoice& choice_;
+  Export& result_;
+  const ModelFinder models_;
+  NameMap<ExactCase, const IBISPin*> pins_;  // the first of each name
+  std::unordered_set<const IBISPin*> onPad_;
+  NameIndex<ExactCase> firstGroups_;
+};
 
 // Names follow the order of the file, as those of the other models do.
 void nameSeries(ExportChoice& choice) {
@@ -90,9 +111,10 @@ SeriesNetlist makeSeries(const ExportChoice& choice, const SeriesState& state,
 
 void chooseSeries(ExportChoice& choice, Export& result) {
   nameSeries(choice);
+  RowChooser rows(choice, result);
   for (const IBISSeriesPinMapping& row : choice.component->seriesPinMappings) {
     if (isWanted(choice.request, row.pin) && isWanted(choice.request, row.pin_2)) {
-      chooseRow(choice, row, result);
+      rows.choose(row);
     }
   }
 }

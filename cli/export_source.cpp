@@ -1,6 +1,8 @@
 #include "export_source.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <system_error>
 
 #include "host/diagnostics/messages.h"
 #include "input_text.h"
@@ -27,6 +29,12 @@ std::optional<Diagnostic> findRefusal(const Document& document, const std::strin
   return isUnread ? reasonUnread(path) : errors.front();
 }
 
+std::uintmax_t sizeOf(const std::string& file) {
+  std::error_code fault;
+  const std::uintmax_t size = std::filesystem::file_size(file, fault);
+  return fault ? 0 : size;
+}
+
 }  // namespace
 
 ExportSource readForExport(const std::string& source, const std::vector<std::string>& selections) {
@@ -36,6 +44,7 @@ ExportSource readForExport(const std::string& source, const std::vector<std::str
   result.refusal = std::move(input.fault);
   if (result.refusal) return result;
   result.document = input.text ? readText(*input.text, options) : read(source, options);
+  result.size = input.text ? input.text->size() : sizeOf(source);
   result.refusal = findRefusal(*result.document, source);
   return result;
 }

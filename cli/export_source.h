@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -11,6 +12,7 @@ namespace ibis::cli {
 /// A file read for its models, or why there is nothing to export in it.
 struct ExportSource {
   std::optional<Document> document;  ///< What was left out stands in its warnings.
+  std::uintmax_t size = 0;           ///< Of the text, in bytes; 0 if it is not known.
   std::optional<Diagnostic> refusal;
 };
 

@@ -63,6 +63,8 @@ std::optional<Diagnostic> tellDevice(const Told& t) {
       return tell(warning, message::thresholdsSwapped, t.line, t.model, t.corner, t.value);
     case FindingKind::referenceMissing:
       return tell(warning, message::referenceMissing, t.line, t.model, t.corner);
+    case FindingKind::valueNotFinite:
+      return tell(warning, message::valueIsNoNumber, t.line, t.model, t.corner);
     default:
       return std::nullopt;
   }

@@ -51,17 +51,18 @@ void printFileJson(std::ostream& out, const std::string& name, const TolerantRea
 
 class Listing {
  public:
-  explicit Listing(bool asJson, bool isArray) : asJson_(asJson), isArray_(isArray) {}
+  Listing(const ListOptions& options, bool isArray) : options_(options), isArray_(isArray) {}
 
   void add(const Source& source) {
     const TolerantReading reading = readSource(source);
     if (!reading.errors.empty()) status_ = exitStatus::failed;
-    printMessages(std::cerr, source.name, reading.errors);
-    if (asJson_) {
+    printMessages(std::cerr, source.name, reading.errors, options_.messages.count());
+    if (options_.asJson) {
       std::cout << (isArray_ ? isFirst_ ? "[" : ",\n" : "");
       printFileJson(std::cout, source.name, reading);
     } else if (reading.document && reading.errors.empty()) {
-      std::cout << (isFirst_ ? "" : "\n") << listText(source.name, reading);
+      std::cout << (isFirst_ ? "" : "\n")
+                << listText(source.name, reading, options_.messages.count());
     } else {
       return;
     }
@@ -69,12 +70,12 @@ class Listing {
   }
 
   int finish() const {
-    if (asJson_) std::cout << (isArray_ ? "]\n" : "\n");
+    if (options_.asJson) std::cout << (isArray_ ? "]\n" : "\n");
     return status_;
   }
 
  private:
-  bool asJson_;
+  const ListOptions& options_;
   bool isArray_;
   bool isFirst_ = true;
   int status_ = exitStatus::done;
@@ -89,13 +90,14 @@ CLI::App* addListCommand(CLI::App& program, ListOptions& options) {
       ->add_option("FILE", options.sources, "IBIS files, folders of them, or - for standard input")
       ->type_name("")
       ->required();
+  addMessageLimit(*command, options.messages);
   command->add_flag("--json", options.asJson, "List as JSON on standard output");
   command->footer(details);
   return command;
 }
 
 int runList(const ListOptions& options) {
-  Listing listing(options.asJson, areManyFiles(options.sources));
+  Listing listing(options, areManyFiles(options.sources));
   for (const Source& source : listSources(options.sources, ".")) listing.add(source);
   return listing.finish();
 }

@@ -3,9 +3,7 @@
 #include <string>
 #include <vector>
 
-namespace CLI {
-class App;
-}
+#include "message_limit.h"
 
 namespace ibis::cli {
 
@@ -13,6 +11,7 @@ namespace ibis::cli {
 struct ListOptions {
   std::vector<std::string> sources;  ///< Files and folders.
   bool asJson = false;
+  MessageLimit messages;
 };
 
 /// Adds `list` to the program; the record is filled when the command line is parsed.

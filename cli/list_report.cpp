@@ -8,6 +8,7 @@
 #include "quantity.h"
 #include "reader/vocabulary.h"
 #include "record_json.h"
+#include "report.h"
 #include "text_table.h"
 
 namespace ibis::cli {
@@ -131,19 +132,22 @@ TextTable refusalTable(const FileSummary& summary) {
 std::string lineText(std::int32_t line) { return line > 0 ? "line " + std::to_string(line) : "-"; }
 
 // Without what stands at a model as a reason against it.
-TextTable leftOutTable(const std::vector<Diagnostic>& leftOut, const FileSummary& summary) {
+TextTable leftOutTable(const std::vector<Diagnostic>& leftOut, const FileSummary& summary,
+                       std::size_t limit) {
   TextTable table(indent);
+  std::size_t count = 0;
   std::set<std::pair<std::int32_t, std::string_view>> told;
   for (const ModelSummary& each : summary.models) {
     for (const Diagnostic& reason : each.reasons) told.emplace(reason.line, reason.text);
   }
   for (const Diagnostic& each : leftOut) {
-    if (told.contains({each.line, each.text})) continue;
+    if (told.contains({each.line, each.text}) || ++count > limit) continue;
     table.add({lineText(each.line), printable(each.text)});
     for (const Note& note : each.notes) {
       table.add({lineText(note.line), "note: " + printable(note.text)});
     }
   }
+  if (count > limit) table.add({lineText(0), tellMoreMessages(count - limit).text});
   return table;
 }
 
@@ -187,7 +191,7 @@ ordered_json packageJson(const IBISPackageModel& package) {
 
 }  // namespace
 
-std::string listText(const std::string& source, const TolerantReading& reading) {
+std::string listText(const std::string& source, const TolerantReading& reading, std::size_t limit) {
   const IBISFileData& file = reading.document->file();
   const FileSummary summary = summarize(reading);
   const bool namesComponent = file.components.size() > 1;
@@ -197,7 +201,7 @@ std::string listText(const std::string& source, const TolerantReading& reading) 
   addSection(out, "Selectors", selectorTable(summary, namesComponent));
   addSection(out, "Package models", packageTable(file));
   addSection(out, "Models that cannot be converted", refusalTable(summary));
-  addSection(out, "Refused or left out", leftOutTable(reading.leftOut, summary));
+  addSection(out, "Refused or left out", leftOutTable(reading.leftOut, summary, limit));
   return out;
 }
 

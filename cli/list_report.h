@@ -7,8 +7,9 @@
 
 namespace ibis::cli {
 
-/// What a file that was read holds, for a person: tables of 80 columns.
-std::string listText(const std::string& source, const TolerantReading& reading);
+/// What a file that was read holds, for a person: tables of 80 columns. Of what is refused or left
+/// out it tells as many messages as the limit says.
+std::string listText(const std::string& source, const TolerantReading& reading, std::size_t limit);
 
 /// The same for a program, without its schema, file and status; see docs/json.md.
 void printListJson(JsonObject& object, const TolerantReading& reading);

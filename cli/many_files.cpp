@@ -47,7 +47,7 @@ class RunningReport {
     const int status = exitStatusOf(conversion, options_.warningsFail);
     if (status != exitStatus::done) status_ = status;
     progress.wipe();
-    printMessages(std::cerr, source.name, conversion, options_.messageLimit());
+    printMessages(std::cerr, source.name, conversion, options_.messages.count());
     if (options_.asJson) {
       json_.add(std::cout, source.name, conversion, status);
     } else if (!options_.isQuiet) {

@@ -1,5 +1,6 @@
 #include "report.h"
 
+#include <algorithm>
 #include <map>
 
 #include "exit_status.h"
@@ -15,6 +16,9 @@ class MessagePrinter {
  public:
   MessagePrinter(std::ostream& out, const std::string& source, std::size_t limit)
       : out_(out), source_(printable(source)), limit_(limit) {}
+
+  // Leaves room for so many messages behind those that are added now.
+  void keepRoom(std::size_t count) { kept_ = std::min(count, limit_); }
 
   void add(const std::vector<Diagnostic>& list) {
     for (const Diagnostic& each : list) add(each);
@@ -35,13 +39,15 @@ class MessagePrinter {
   void add(const Note& note) { addLine(note.line, 0, " note: ", note.text, {}); }
 
   void finish() {
-    if (count_ <= limit_) return;
-    addLine(0, 0, " note: ", tellMoreMessages(count_ - limit_).text, {});
+    if (count_ == told_) return;
+    addLine(0, 0, " note: ", tellMoreMessages(count_ - told_).text, {});
   }
 
  private:
   void add(const Diagnostic& each, bool isFinding = false) {
-    if (++count_ > limit_) return;
+    ++count_;
+    if (told_ + kept_ >= limit_) return;
+    ++told_;
     addLine(each.line, each.column,
             each.severity == Severity::error ? " error: " : " warning: ", each.text,
             isFinding ? each.id : std::string_view());
@@ -64,6 +70,8 @@ class MessagePrinter {
   std::ostream& out_;
   const std::string source_;
   const std::size_t limit_;
+  std::size_t kept_ = 0;
+  std::size_t told_ = 0;
   std::size_t count_ = 0;
 };
 
@@ -112,8 +120,10 @@ int exitStatusOf(const Conversion& conversion, bool warningsFail) {
 void printMessages(std::ostream& out, const std::string& source, const Conversion& conversion,
                    std::size_t limit) {
   MessagePrinter printer(out, source, limit);
+  printer.keepRoom(conversion.errors.size());
   printer.add(conversion.warnings);
   printer.addFindings(conversion.findings);
+  printer.keepRoom(0);
   printer.add(conversion.errors);
   printer.finish();
   for (const Note& note : conversion.notes) printer.add(note);

@@ -20,7 +20,7 @@ inline constexpr std::size_t toldOfRule = 5;
 /// Prints warnings, what a check found, errors and notes, each in a form that editors can follow to
 /// the source.
 ///
-/// Beyond the limit it tells how many more there are.
+/// Beyond the limit it tells how many more there are; errors come before the others are cut.
 void printMessages(std::ostream& out, const std::string& source, const Conversion& conversion,
                    std::size_t limit = usualMessageLimit);
 

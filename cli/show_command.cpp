@@ -54,7 +54,7 @@ void beginJson(JsonObject& object, const ShowOptions& options, int status) {
 
 // What went wrong, told beside what is refused; nothing else is shown then.
 int fail(const ShowOptions& options, const std::vector<Diagnostic>& errors) {
-  printMessages(std::cerr, options.source, errors);
+  printMessages(std::cerr, options.source, errors, options.messages.count());
   if (options.asJson) {
     JsonObject object(std::cout);
     beginJson(object, options, exitStatus::failed);
@@ -147,6 +147,7 @@ CLI::App* addShowCommand(CLI::App& program, ShowOptions& options) {
       ->type_name("")
       ->required();
   command->add_option("NAME", options.name, "What to show; else all")->type_name("");
+  addMessageLimit(*command, options.messages);
   command->add_flag("--json", options.asJson, "Show as JSON, with every number");
   command->add_option("--csv", options.table, "Write this table or waveform of model NAME as CSV")
       ->type_name("TABLE");
@@ -163,7 +164,7 @@ int runShow(const ShowOptions& options) {
   const Found found =
       options.name.empty() ? findAll(file, summary) : findByName(file, summary, options.name);
   if (found.empty()) return fail(options, {nothingCalled(options, file)});
-  printMessages(std::cerr, options.source, reading.leftOut);
+  printMessages(std::cerr, options.source, reading.leftOut, options.messages.count());
   if (!options.table.empty()) return writeCsv(options, found);
   print(options, reading, found);
   return exitStatus::done;

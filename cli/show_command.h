@@ -2,9 +2,7 @@
 
 #include <string>
 
-namespace CLI {
-class App;
-}
+#include "message_limit.h"
 
 namespace ibis::cli {
 
@@ -14,6 +12,7 @@ struct ShowOptions {
   std::string name;   ///< What to show; empty for all.
   std::string table;  ///< What to write as CSV; empty for nothing.
   bool asJson = false;
+  MessageLimit messages;
 };
 
 /// Adds `show` to the program; the record is filled when the command line is parsed.

@@ -32,13 +32,13 @@ inline bool isUnequal(const IBISTriple& time) {
   return fastest > 0.0 && ratio > mostUnequal && ratio * pointsOfSlowest < maxTimePoints + 1;
 }
 
-/// Whether a few bytes of the text ask for so much output that a fuzzer would do nothing else.
+/// Whether a few bytes of the text ask for so much output that a fuzzer would do nothing else,
+/// however far the text is read.
 inline bool asksForLargeOutput(std::string_view text) {
-  const IBISScanResult scan = scanIBISText(text);
-  if (promisesManyPins(scan.records)) return true;
+  if (promisesManyPins(scanIBISText(text).records)) return true;
   IBISFile file;
-  std::int32_t index = 0;
-  parseFile(file, scan.records, index);
+  IBISScanner scanner(text);
+  parseFile(file, scanner, {.newerVersions = true, .keepGoing = true, .selections = {}});
   return std::ranges::any_of(file.data().models, [](const auto& model) {
     return isUnequal(model->rampDtRise) || isUnequal(model->rampDtFall);
   });

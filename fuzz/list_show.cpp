@@ -32,7 +32,7 @@ void checkFound(const cli::Found& found) {
 
 void checkDocument(const cli::TolerantReading& reading) {
   const IBISFileData& file = reading.document->file();
-  REQUIRE(isPlainText(cli::listText(sourceName, reading)));
+  REQUIRE(isPlainText(cli::listText(sourceName, reading, cli::usualMessageLimit)));
   REQUIRE(isPlainText(cli::headerText(sourceName, file)));
   const auto list =
       printedJson([&](cli::JsonObject& object) { cli::printListJson(object, reading); });

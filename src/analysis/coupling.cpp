@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <unordered_map>
+#include <utility>
 
 #include "analysis/curve.h"
 
@@ -20,13 +22,30 @@ RowMap indexRows(std::span<const std::int32_t> rows) {
   return indices;
 }
 
-SymmetricMatrix submatrix(const std::vector<IBISMatrixEntry>& entries, const RowMap& indices) {
-  SymmetricMatrix matrix(indices.size());
+// Of two entries for one place the later counts.
+using Cells = std::map<std::pair<std::size_t, std::size_t>, double>;
+
+Cells cellsOf(const std::vector<IBISMatrixEntry>& entries, const RowMap& indices) {
+  Cells cells;
   for (const IBISMatrixEntry& entry : entries) {
     const auto row = indices.find(entry.row);
     const auto column = indices.find(entry.column);
     if (row == indices.end() || column == indices.end()) continue;
-    matrix.set(row->second, column->second, isUsableNumber(entry.value) ? entry.value : 0.0);
+    cells[std::minmax(row->second, column->second)] = entry.value;
+  }
+  return cells;
+}
+
+// Counts what is not finite, and takes 0 for it.
+SymmetricMatrix submatrix(const std::vector<IBISMatrixEntry>& entries, const RowMap& indices,
+                          std::size_t& dropped) {
+  SymmetricMatrix matrix(indices.size());
+  for (const auto& [place, value] : cellsOf(entries, indices)) {
+    if (isUsableNumber(value)) {
+      matrix.set(place.first, place.second, value);
+    } else {
+      ++dropped;
+    }
   }
   return matrix;
 }
@@ -166,14 +185,33 @@ bool isPositiveDefinite(const SymmetricMatrix& matrix) {
   return true;
 }
 
+std::size_t countCouplings(const IBISPackageModel& model, std::span<const std::int32_t> rows,
+                           double smallestCoupling) {
+  const RowMap indices = indexRows(rows);
+  const Cells cells = cellsOf(model.inductance, indices);
+  std::vector<double> own(indices.size());
+  for (const auto& [place, value] : cells) {
+    if (place.first == place.second && isUsableNumber(value)) own[place.first] = value;
+  }
+  std::size_t count = 0;
+  for (const auto& [place, value] : cells) {
+    const double product = std::max(own[place.first], 0.0) * std::max(own[place.second], 0.0);
+    if (place.first == place.second || !isUsableNumber(value) || !(product > 0.0)) continue;
+    if (value != 0.0 && std::fabs(value / std::sqrt(product)) >= smallestCoupling) ++count;
+  }
+  return count;
+}
+
 CoupledPackage coupledPackage(const IBISPackageModel& model, std::span<const std::int32_t> rows,
                               double smallestCoupling) {
   const RowMap indices = indexRows(rows);
   CoupledPackage package;
-  takeResistances(package, submatrix(model.resistance, indices), smallestCoupling);
-  takeInductances(package, submatrix(model.inductance, indices), smallestCoupling);
+  takeResistances(package, submatrix(model.resistance, indices, package.droppedEntries),
+                  smallestCoupling);
+  takeInductances(package, submatrix(model.inductance, indices, package.droppedEntries),
+                  smallestCoupling);
   makeInductancesPassive(package);
-  takeCapacitances(package, submatrix(model.capacitance, indices));
+  takeCapacitances(package, submatrix(model.capacitance, indices, package.droppedEntries));
   return package;
 }
 

@@ -60,10 +60,16 @@ struct CoupledPackage {
   std::size_t droppedCouplings = 0;       ///< Below the smallest coupling wanted.
   std::size_t droppedResistances = 0;     ///< Between pins, of a network that is not passive.
   std::size_t droppedCapacitances =
-      0;                         ///< Set to 0, since they were negative without being passive.
-  double inductanceScale = 1.0;  ///< What the couplings were multiplied by to be passive.
-  bool hasBadDiagonal = false;   ///< A pin's own value is negative or not a number.
+      0;                           ///< Set to 0, since they were negative without being passive.
+  double inductanceScale = 1.0;    ///< What the couplings were multiplied by to be passive.
+  bool hasBadDiagonal = false;     ///< A pin's own value is negative.
+  std::size_t droppedEntries = 0;  ///< Of the matrices, since they are not finite.
 };
+
+/// How many inductive couplings of at least the smallest there are between pins of a package model,
+/// each given by its row in the model, from 1.
+std::size_t countCouplings(const IBISPackageModel& model, std::span<const std::int32_t> rows,
+                           double smallestCoupling);
 
 /// The elements for pins of a package model, each given by its row in the model, from 1.
 ///

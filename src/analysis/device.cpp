@@ -117,6 +117,46 @@ TerminatorElements terminatorOf(const IBISModel& model, int corner) {
           .cac = elementOf(model.cac, corner)};
 }
 
+bool isOdd(const IBISOptional& value) {
+  return value.present && !value.isNA && !isUsableNumber(value.value);
+}
+
+bool hasOddFixture(const IBISWaveform& wave) {
+  const IBISOptional values[] = {wave.rFixture, wave.vFixture, wave.vFixtureMin, wave.vFixtureMax,
+                                 wave.cFixture};
+  return std::ranges::any_of(values, isOdd);
+}
+
+// What no table holds; of those the cells count that are left out.
+bool hasOddValue(const IBISModel& model, int corner) {
+  const IBISTriple* const values[] = {
+      &model.cComp,
+      &model.cCompPullup,
+      &model.cCompPulldown,
+      &model.cCompPowerClamp,
+      &model.cCompGndClamp,
+      &model.vinl,
+      &model.vinh,
+      &model.vinlMinus,
+      &model.vinhPlus,
+      &model.voltageRange,
+      &model.pullupReference,
+      &model.pulldownReference,
+      &model.powerClampReference,
+      &model.gndClampReference,
+      &model.rgnd,
+      &model.rpower,
+      &model.rac,
+      &model.cac,
+  };
+  return std::ranges::any_of(values,
+                             [&](const IBISTriple* each) {
+                               return each->present && !isUsableNumber(ownOrTyp(*each, corner));
+                             }) ||
+         std::ranges::any_of(model.risingWaveforms, hasOddFixture) ||
+         std::ranges::any_of(model.fallingWaveforms, hasOddFixture);
+}
+
 bool lacksReference(const IBISModel& model) {
   if (model.voltageRange.present) return false;
   return (model.pullup.present && !model.pullupReference.present) ||
@@ -163,6 +203,7 @@ Device makeDevice(const IBISModel& model, int corner, Findings& findings) {
   device.isEnableLow = model.enable == activeLow;
   device.rails = railsOf(model, corner);
   if (lacksReference(model)) findings.push_back({.kind = FindingKind::referenceMissing});
+  if (hasOddValue(model, corner)) findings.push_back({.kind = FindingKind::valueNotFinite});
   takeCurves(device, model, corner, findings);
   const bool isDriver = device.driver != DriverKind::none;
   device.capacitances = capacitancesOf(model, isDriver, corner, findings);

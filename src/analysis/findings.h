@@ -36,6 +36,7 @@ enum class FindingKind : std::uint8_t {
   thresholdsDefaulted,   ///< The file gives no input thresholds.
   thresholdsSwapped,     ///< Vinl is not below Vinh; the mean is used: value, in volts.
   referenceMissing,      ///< A table without a reference voltage or voltage range.
+  valueNotFinite,        ///< A value that is no finite number, which counts as not given.
 };
 
 /// One finding about a model at a corner.

@@ -1,7 +1,10 @@
 #include "simulator/component_assembly.h"
 
-#include <algorithm>
+#include <array>
 #include <cmath>
+#include <map>
+#include <tuple>
+#include <utility>
 
 #include "simulator/device_notes.h"
 
@@ -14,6 +17,10 @@ struct Assembly {
   const IBISComponent& component;
   UniqueNames& names;
   UniqueNames labels = {};
+  std::map<std::pair<std::size_t, double>, std::string> late = {};  // names by device and delay
+  std::map<std::tuple<std::string, std::string, double>, std::string> pairs =
+      {};  // by what it holds
+  std::map<std::array<double, 4>, std::size_t> rails = {};
 };
 
 double launchSkew(const IBISDiffPin& pair, int corner) {
@@ -25,17 +32,11 @@ double launchSkew(const IBISDiffPin& pair, int corner) {
 
 // A copy of a device whose edges come later, once for each delay.
 std::string delayedCopy(Assembly& assembly, std::size_t device, double delay) {
-  std::vector<DeviceNetlist>& devices = assembly.file.devices;
-  const std::string base = devices[device].name;
-  for (const DeviceNetlist& each : devices) {
-    if (each.delay == delay && each.name.starts_with(base + "_late")) return each.name;
-  }
-  DeviceNetlist copy = devices[device];
-  copy.name = assembly.names.take(base + "_late");
-  copy.delay = delay;
-  copy.notes = {withNumber("the same, later by ", delay, " s")};
-  devices.push_back(copy);
-  return copy.name;
+  std::string& name = assembly.late[{device, delay}];
+  if (!name.empty()) return name;
+  name = assembly.names.take(assembly.file.devices[device].name + "_late");
+  assembly.file.delayed.push_back({name, device, delay});
+  return name;
 }
 
 // A positive skew delays the pin that does not invert.
@@ -46,8 +47,8 @@ PairNetlist makePair(Assembly& assembly, const IBISPinEntry& entry) {
   PairNetlist pair;
   pair.first = file.devices[first].name;
   pair.second = file.devices[second].name;
-  pair.device = file.devices[first].device;
-  const bool isDriver = pair.device.driver != DriverKind::none;
+  pair.device = &file.devices[first].device;
+  const bool isDriver = pair.device->driver != DriverKind::none;
   const double skew = isDriver && entry.diffPin ? launchSkew(*entry.diffPin, file.corner) : 0.0;
   if (skew > 0.0) pair.first = delayedCopy(assembly, first, skew);
   if (skew < 0.0) pair.second = delayedCopy(assembly, second, -skew);
@@ -59,25 +60,19 @@ PairNetlist makePair(Assembly& assembly, const IBISPinEntry& entry) {
 // The subcircuit of a pair, once for pairs that do the same.
 std::string pairName(Assembly& assembly, const IBISPinEntry& entry) {
   PairNetlist pair = makePair(assembly, entry);
-  std::vector<PairNetlist>& pairs = assembly.file.pairs;
-  const auto isSame = [&](const PairNetlist& each) {
-    return each.first == pair.first && each.second == pair.second &&
-           each.threshold == pair.threshold;
-  };
-  const auto found = std::ranges::find_if(pairs, isSame);
-  if (found != pairs.end()) return found->name;
-  pair.name = assembly.names.take(assembly.file.device(entry.model).name + "_pair");
-  pairs.push_back(pair);
-  return pair.name;
+  std::string& name = assembly.pairs[{pair.first, pair.second, pair.threshold}];
+  if (!name.empty()) return name;
+  name = pair.name = assembly.names.take(assembly.file.device(entry.model).name + "_pair");
+  assembly.file.pairs.push_back(std::move(pair));
+  return name;
 }
 
-std::size_t railsIndex(ComponentNetlist& component, const Rails& rails) {
-  const auto found = std::ranges::find(component.rails, rails);
-  if (found != component.rails.end()) {
-    return static_cast<std::size_t>(found - component.rails.begin());
-  }
-  component.rails.push_back(rails);
-  return component.rails.size() - 1;
+std::size_t railsIndex(Assembly& assembly, const Rails& rails) {
+  std::vector<Rails>& all = assembly.file.component->rails;
+  const auto [place, isNew] =
+      assembly.rails.try_emplace({rails.pu, rails.pd, rails.pc, rails.gc}, all.size());
+  if (isNew) all.push_back(rails);
+  return place->second;
 }
 
 // A name that differs from the others in more than its case, of any characters that a name takes.
@@ -98,7 +93,7 @@ void addPin(Assembly& assembly, const IBISPinEntry& entry) {
   PinNetlist pin;
   pin.signals = signalPortsOf(device.device);
   pin.signals.erase(pin.signals.begin());
-  pin.rails = railsIndex(*file.component, device.device.rails);
+  pin.rails = railsIndex(assembly, device.device.rails);
   pin.subcircuit = device.name;
   addPad(assembly, pin, *entry.pin);
   if (entry.isPair() && file.deviceOf.contains(entry.invertedModel)) {
@@ -118,18 +113,32 @@ std::string pinNote(const PinNetlist& netlist, const IBISPin& pin) {
   return pinPort(netlist.pads[0]) + ": pin " + pin.name.str() + ", " + pin.signal_name.str();
 }
 
-double finiteOrZero(double value) { return std::isfinite(value) && value > 0.0 ? value : 0.0; }
+bool isUsable(double value) { return std::isfinite(value) && value >= 0.0; }
 
-}  // namespace
+double usableOrZero(double value) { return isUsable(value) ? value : 0.0; }
 
-PinPackage packageOf(const IBISComponent& component, const IBISPin& pin, int corner) {
+// As the file gives the elements.
+PinPackage givenPackage(const IBISComponent& component, const IBISPin& pin, int corner) {
   const auto value = [&](bool isMissing, const IBISTriple& own, const IBISTriple& shared) {
-    return finiteOrZero(ownOrTyp(isMissing ? shared : own, corner));
+    return ownOrTyp(isMissing ? shared : own, corner);
   };
   const IBISPackage& shared = component.package;
   return {value(pin.hasOwnRLC && pin.missingR, pin.R_pin(), shared.R_pkg),
           value(pin.hasOwnRLC && pin.missingL, pin.L_pin(), shared.L_pkg),
           value(pin.hasOwnRLC && pin.missingC, pin.C_pin(), shared.C_pkg)};
+}
+
+}  // namespace
+
+PinPackage packageOf(const IBISComponent& component, const IBISPin& pin, int corner) {
+  const PinPackage given = givenPackage(component, pin, corner);
+  return {usableOrZero(given.resistance), usableOrZero(given.inductance),
+          usableOrZero(given.capacitance)};
+}
+
+bool hasUnusablePackage(const IBISComponent& component, const IBISPin& pin, int corner) {
+  const PinPackage given = givenPackage(component, pin, corner);
+  return !isUsable(given.resistance) || !isUsable(given.inductance) || !isUsable(given.capacitance);
 }
 
 void addPins(SubcircuitFile& file, const IBISComponent& component, const ChosenPins& pins,

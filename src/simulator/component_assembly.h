@@ -12,6 +12,9 @@ namespace ibis {
 /// The package elements of a pin at a corner: its own values, else the component's.
 PinPackage packageOf(const IBISComponent& component, const IBISPin& pin, int corner);
 
+/// Whether one of the elements is negative or not finite in the file; packageOf() leaves it out.
+bool hasUnusablePackage(const IBISComponent& component, const IBISPin& pin, int corner);
+
 /// The pins that a component is written with.
 struct ChosenPins {
   const std::vector<const IBISPinEntry*>& entries;  ///< Those with a device, in their order.

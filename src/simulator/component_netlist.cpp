@@ -183,7 +183,7 @@ void writeComponentRails(NetlistWriter& writer, const ComponentNetlist& netlist)
 }
 
 bool hasSignal(const PairNetlist& netlist, std::string_view signal) {
-  const std::vector<std::string> signals = signalPortsOf(netlist.device);
+  const std::vector<std::string> signals = signalPortsOf(*netlist.device);
   return std::ranges::find(signals, signal) != signals.end();
 }
 
@@ -226,7 +226,7 @@ std::vector<std::string> portsOf(const ComponentNetlist& netlist) {
 }
 
 std::vector<std::string> portsOf(const PairNetlist& netlist) {
-  std::vector<std::string> ports = portsOf(netlist.device);
+  std::vector<std::string> ports = portsOf(*netlist.device);
   ports.front() = "p";
   ports.insert(ports.begin() + 1, "n");
   return ports;
@@ -236,7 +236,7 @@ void writePair(NetlistWriter& writer, const PairNetlist& netlist) {
   writer.comment("differential pair: the second pin is driven by the complement");
   std::string head = ".subckt " + netlist.name;
   append(head, portsOf(netlist));
-  writer.line(head + std::string(thresholdParameter(netlist.device)));
+  writer.line(head + std::string(thresholdParameter(*netlist.device)));
   if (hasSignal(netlist, "drv")) {
     const std::string condition = "V(drv)>" + std::string(writer.dialect().threshold);
     writer.source("Bd", "d 0", 'V', choice(writer.dialect(), condition, "1", "0"));

@@ -59,10 +59,10 @@ struct ComponentNetlist {
 /// Two single-ended copies of a model's subcircuit, the second driven by the complement.
 struct PairNetlist {
   std::string name;
-  std::string first;   ///< Subcircuit of the non-inverting pin.
-  std::string second;  ///< Of the inverting pin, which may be a delayed copy.
-  Device device;
-  double threshold = 0.0;  ///< Of the receiver, in volts between the pins.
+  std::string first;               ///< Subcircuit of the non-inverting pin.
+  std::string second;              ///< Of the inverting pin, which may be a delayed copy.
+  const Device* device = nullptr;  ///< Of both; its ports are the pair's.
+  double threshold = 0.0;          ///< Of the receiver, in volts between the pins.
 };
 
 /// The ports of a component: pins in order, then drv, en and mon of each pin, then the rails.

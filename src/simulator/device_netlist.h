@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,13 @@ std::vector<std::string> signalPortsOf(const Device& device);
 
 /// The parameter that a subcircuit with a logic input ends its first line with.
 std::string_view thresholdParameter(const Device& device);
+
+/// A device once more under another name, whose edges come later.
+struct DelayedDevice {
+  std::string name;
+  std::size_t device = 0;  ///< Its index among those of the file.
+  double delay = 0.0;      ///< Of both edges, in seconds.
+};
 
 /// Writes the subcircuit, and one named `name`_v with ideal rails inside against a port `ref`.
 ///

@@ -26,10 +26,13 @@ std::string spiceWord(std::string_view text) {
 }
 
 std::string UniqueNames::take(const std::string& word) {
-  std::string name = word;
-  for (int n = 2; !taken_.insert(inUpperCase(name)).second; ++n) {
-    name = word + '_' + std::to_string(n);
-  }
+  constexpr std::size_t firstNumber = 2;
+  const auto [place, isNew] = taken_.try_emplace(inUpperCase(word), firstNumber);
+  if (isNew) return word;
+  std::string name;
+  do {
+    name = word + '_' + std::to_string(place->second++);
+  } while (!taken_.try_emplace(inUpperCase(name), firstNumber).second);
   return name;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <set>
+#include <cstddef>
+#include <map>
 #include <string>
 #include <string_view>
 
@@ -19,7 +20,8 @@ class UniqueNames {
   std::string take(const std::string& word);
 
  private:
-  std::set<std::string> taken_;  // in upper case
+  // A name in upper case, and the first number behind it that may be new.
+  std::map<std::string, std::size_t> taken_;
 };
 
 /// A text for a comment: one line of printable ASCII, other characters as "?", cut where long.

@@ -1,5 +1,7 @@
 #include "simulator/subcircuit_file.h"
 
+#include "simulator/device_notes.h"
+
 namespace ibis {
 namespace {
 
@@ -15,11 +17,23 @@ void writeHead(NetlistWriter& writer, const SubcircuitFile& file) {
   writer.blank();
 }
 
+// One at a time, since each holds all tables of its device.
+void writeDelayed(NetlistWriter& writer, const SubcircuitFile& file) {
+  for (const DelayedDevice& each : file.delayed) {
+    DeviceNetlist copy = file.devices[each.device];
+    copy.name = each.name;
+    copy.delay = each.delay;
+    copy.notes = {withNumber("the same, later by ", each.delay, " s")};
+    writeDevice(writer, copy);
+  }
+}
+
 }  // namespace
 
 void writeSubcircuitFile(NetlistWriter& writer, const SubcircuitFile& file) {
   writeHead(writer, file);
   for (const DeviceNetlist& device : file.devices) writeDevice(writer, device);
+  writeDelayed(writer, file);
   for (const PairNetlist& pair : file.pairs) writePair(writer, pair);
   for (const SeriesNetlist& series : file.series) writeSeries(writer, series);
   if (file.component) writeComponent(writer, *file.component);

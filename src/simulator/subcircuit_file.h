@@ -21,6 +21,7 @@ struct SubcircuitFile {
   std::string revision;  ///< [File Rev]; empty for none.
   std::vector<std::string> warnings;
   std::vector<DeviceNetlist> devices;
+  std::vector<DelayedDevice> delayed;
   std::map<const IBISModel*, std::size_t> deviceOf;  ///< Index of a model's device.
   std::vector<PairNetlist> pairs;
   std::vector<SeriesNetlist> series;

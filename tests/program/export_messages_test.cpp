@@ -181,6 +181,83 @@ TEST_F(ExportMessages, TellOfMoreCouplingsThanAnyoneWants) {
   EXPECT_MESSAGES(warningsOf(text, request));
 }
 
+// Whatever somebody chooses: the matrices of so many pins take too long.
+TEST_F(ExportMessages, TellOfMorePinsThanCanBeCoupled) {
+  constexpr int count = 1001;
+  std::string pins;
+  std::string numbers;
+  for (int i = 1; i <= count; ++i) {
+    pins += std::to_string(i) + " S in\n";
+    numbers += std::to_string(i) + "\n";
+  }
+  const std::string model =
+      "[Define Package Model] pack\n[Manufacturer] maker\n[OEM] maker\n[Description] many\n"
+      "[Number Of Pins] 1001\n[Pin Numbers]\n" +
+      numbers +
+      "[Model Data]\n[Inductance Matrix] Sparse_matrix\n[Row] 1\n1 4n\n2 1n\n3 10p\n4 nan\n"
+      "[Row] 2\n2 4n\n[Row] 3\n3 4n\n[End Model Data]\n[End Package Model]\n";
+  ExportRequest request;
+  request.package = cli::PackageKind::coupled;
+  request.hasSmallestCoupling = true;
+  EXPECT_MESSAGES(errorsOf(component(pins, "[Package Model] pack\n") + receiver + model, request),
+                  "The coupled package of 1001 pins is too large (couplings: 1); choose pins with "
+                  "-p, or the smallest coupling with --min-coupling");
+}
+
+TEST_F(ExportMessages, TellOfEntriesThatAreNotFinite) {
+  EXPECT_MESSAGES(
+      packageWarnings(packageModel("[Row] 1\n1 0.1\n2 nan\n[Row] 2\n2 0.1\n",
+                                   "[Row] 1\n1 4n\n2 inf\n[Row] 2\n2 4n\n", plainCapacitance)),
+      "Package model 'pack': entries that are not finite are left out: 2");
+}
+
+TEST_F(ExportMessages, TellOfPinsWithValuesThatNoPackageHas) {
+  const std::string pins =
+      "[Pin] signal_name model_name R_pin L_pin C_pin\n1 A in 1 1n 1p\n2 B in -1 1n 1p\n"
+      "3 C in 1 nan 1p\n4 D in 1 1n -inf\n5 E in 0 0 0\n";
+  const std::string text =
+      "[IBIS Ver] 4.2\n[Component] part\n[Manufacturer] maker\n[Package]\nR_pkg 1 NA NA\n"
+      "L_pkg 1n NA NA\nC_pkg 1p NA NA\n" +
+      pins + receiver;
+  EXPECT_MESSAGES(warningsOf(text),
+                  "Component 'part': pins with a value that is negative or not finite, which is "
+                  "left out: 3, first '2'");
+  ExportRequest request;
+  request.package = cli::PackageKind::none;
+  EXPECT_MESSAGES(warningsOf(text, request));
+}
+
+TEST_F(ExportMessages, TellOfAPairWhoseThresholdIsNotFinite) {
+  EXPECT_MESSAGES(
+      warningsOf(component("1 A in\n2 B in\n3 C in\n4 D in\n") +
+                 "[Diff Pin] inv_pin vdiff tdelay_typ\n1 2 0.2 1n\n3 4 nan 1n\n" + receiver),
+      "Component 'part': pins with a value that is negative or not finite, which is left out: 1, "
+      "first '3'");
+}
+
+// Each pair with a delay of its own takes a copy of the driver.
+TEST_F(ExportMessages, TellOfAFileThatWouldBeTooLarge) {
+  std::string pins;
+  std::string pairs = "[Diff Pin] inv_pin vdiff tdelay_typ\n";
+  for (int i = 0; i < 2500; ++i) {
+    const std::string n = std::to_string(i);
+    pins += n + "p S m\n" + n + "n S m\n";
+    pairs += n + "p " + n + "n 0 " + n + "1p\n";
+  }
+  std::string rows = "[GND Clamp]\n";
+  for (int i = 0; i < 4000; ++i) {
+    rows +=
+        "-" + std::to_string(4.0 - i * 0.001) + " -" + std::to_string(1.0 - i * i * 1e-9) + "\n";
+  }
+  const std::string text = component(pins) + pairs + "[Model] m\n" + output + rows;
+  const std::size_t size = text.size() + std::string("[End]\n").size();
+  EXPECT_MESSAGES(exported(text, {}).errors,
+                  "The output would take more than " + std::to_string(200 * size + 100'000'000) +
+                      " bytes, 200 for each of the file and 100 MB; --no-limit writes it");
+  EXPECT_EQ(folder_.names(), Texts({"out", "part.ibs"}));
+  EXPECT_TRUE(std::filesystem::is_empty(folder_.file("out")));
+}
+
 TEST_F(ExportMessages, TellOfABenchWithoutADriver) {
   ExportRequest request;
   request.hasBench = true;
@@ -426,6 +503,19 @@ TEST_F(ExportMessages, TellOfThresholdsThatAreSwapped) {
   EXPECT_MESSAGES(
       modelWarnings("Model_type Input\nVinl = 1.5\nVinh = 1\nC_comp 1p NA NA\n" + range + clamp),
       "Model 'm', typ: Vinl is not below Vinh; the receiver switches at 1.25 V");
+}
+
+TEST_F(ExportMessages, TellOfAValueThatIsNotFinite) {
+  const std::string told = "Model 'm', typ: a value that is not finite counts as not given";
+  for (const char* line : {"C_comp nan 1p 1p\n", "C_comp 1p 1p 1p\nVinh = inf\n"}) {
+    EXPECT_MESSAGES(modelWarnings("Model_type Input\nVinl = 0.8\nVinh = 1.2\n" + std::string(line) +
+                                  range + clamp),
+                    told);
+  }
+  EXPECT_MESSAGES(modelWarnings(output + "[Rising Waveform]\nR_fixture = nan\nV_fixture = 0\n" +
+                                risingOnLow + onHigh(risingOnHigh) + goodFalling),
+                  told);
+  EXPECT_MESSAGES(modelWarnings(input(clamp)));
 }
 
 TEST_F(ExportMessages, TellOfATableWithoutAReference) {

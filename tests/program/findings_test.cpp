@@ -150,5 +150,40 @@ TEST(MaxMessages, LimitsWhatIsPrintedAndCountsTheRest) {
   EXPECT_EQ(whole["errors"].size(), 1005U);
 }
 
+// Three warnings, for which there is no room beside the error.
+TEST(MaxMessages, NeverHideAnErrorBehindWarnings) {
+  const std::string text =
+      "[IBIS Ver] 4.2\n[Component] X\n[Pin] signal_name model_name\n"
+      "1 A none\n1 B GND\n1 C GND\n1 D GND\n";
+  const Outcome result = convertTold(text, {"--no-check", "--max-messages", "1"});
+  EXPECT_EQ(result.err,
+            "part.ibs:4: error: Model referenced by pin '1' has not been defined\n"
+            "part.ibs: note: the pin names model 'none'\n"
+            "part.ibs: note: 3 more messages; --max-messages 0 prints all\n");
+}
+
+TEST(MaxMessages, LimitWhatEveryOtherCommandTells) {
+  TemporaryFolder folder;
+  folder.write("part.ibs", withErrors(9));
+  const auto told = [&](std::vector<std::string> words) {
+    words.insert(words.end(), {"part.ibs", "--max-messages", "2"});
+    return run(words, {.folder = folder.path()});
+  };
+  const std::string first = "Model referenced by pin '0' has not been defined";
+  const std::string second = "Model referenced by pin '1' has not been defined";
+  EXPECT_EQ(told({"show"}).err, "part.ibs:4: warning: " + first +
+                                    "\npart.ibs:5: warning: " + second +
+                                    "\npart.ibs: note: 7 more messages; --max-messages 0 prints "
+                                    "all\n");
+  EXPECT_THAT(
+      told({"list"}).out,
+      ::testing::EndsWith("Refused or left out:\n  line 4  " + first + "\n  line 5  " + second +
+                          "\n  -       7 more messages; --max-messages 0 prints all\n"));
+  EXPECT_EQ(told({"export"}).err,
+            "part.ibs:4: warning: " + first +
+                "\npart.ibs: error: Nothing to export: no driver, receiver or terminator is left\n"
+                "part.ibs: note: 8 more messages; --max-messages 0 prints all\n");
+}
+
 }  // namespace
 }  // namespace ibis::testing

@@ -88,8 +88,8 @@ class FuzzTest(unittest.TestCase):
                          "pieces                     56       12       34  clean\n"
                          "rows                       56       12       34  clean\n")
         self.assertEqual(self.called("rows"),
-                         "-max_total_time=5 -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 "
-                         "-artifact_prefix=build/fuzz/findings/rows/ build/fuzz/corpus/rows "
+                         "-max_total_time=5 -timeout=10 -rss_limit_mb=2048 -entropic=0 "
+                         "-reload=0 -print_final_stats=1 -artifact_prefix=build/fuzz/findings/rows/ build/fuzz/corpus/rows "
                          "-max_len=9 seeds of it\n")
 
     def test_a_corpus_is_kept_where_it_is_told_from_the_folder_of_the_call(self):

@@ -242,6 +242,7 @@ constexpr FindingRow findingRows[] = {
      "Model 'm', min: Vinl is not below Vinh; the receiver switches at 0.25 V"},
     {FindingKind::referenceMissing,
      "Model 'm', min: a table has neither a reference nor a voltage range; 0 V is taken"},
+    {FindingKind::valueNotFinite, "Model 'm', min: a value that is not finite counts as not given"},
 };
 
 TEST(FindingMessages, EachKindHasItsText) {

@@ -331,8 +331,9 @@ TEST(Series, AWireIsASmallResistor) {
 }
 
 TEST(Pair, DrivesTheSecondPinByTheComplement) {
-  PairNetlist pair{"out_pair", "out_typ", "out_late", driver(DriverKind::pushPull).device, 0.2};
-  pair.device.hasInput = true;
+  DeviceNetlist device = driver(DriverKind::pushPull);
+  device.device.hasInput = true;
+  const PairNetlist pair{"out_pair", "out_typ", "out_late", &device.device, 0.2};
   const std::string text = written([&](NetlistWriter& writer) { writePair(writer, pair); });
   EXPECT_THAT(text, HasSubstr("Bn dn 0 V=1-V(d)\nXp p d monp pu pd pc gc out_typ\n"
                               "Xn n dn monn pu pd pc gc out_late\n"));

@@ -228,7 +228,7 @@ TEST(Ngspice, ASkewedPairSwitchesLaterOnOnePin) {
   DeviceNetlist second = first;
   second.name = "second";
   second.delay = 0.7e-9;
-  const PairNetlist pair{"pair", "first", "second", first.device, 0.0};
+  const PairNetlist pair{"pair", "first", "second", &first.device, 0.0};
   const std::string deck = written([&](NetlistWriter& writer) {
     writer.comment("pair");
     writeDevice(writer, first);
