@@ -5,36 +5,20 @@
 
 #include "driver_figures.h"
 #include "model/estimate_waveforms.h"
-#include "model/model_types.h"
 #include "model/waveform.h"
 #include "output/stream/number_text.h"
 #include "printable.h"
 #include "quantity.h"
 #include "reader/vocabulary.h"
-#include "record_json.h"
 #include "text_table.h"
 
 namespace ibis::cli {
 namespace {
 
-using nlohmann::ordered_json;
-
 constexpr std::size_t indent = 2;
-constexpr const char* polarities[] = {"Non-Inverting", "Inverting"};
-constexpr const char* enables[] = {"Active-High", "Active-Low"};
 
 // A row of a file's own columns, which come in the order typ, min, max.
 constexpr int corners[] = {corner::typ, corner::min, corner::max};
-
-const char* polarityOf(const IBISModel& model) {
-  const bool isKnown = hasPolarity(model.type) && model.polarity < 2;
-  return isKnown ? polarities[model.polarity] : nullptr;
-}
-
-const char* enableOf(const IBISModel& model) {
-  const bool isKnown = hasEnable(model.type) && model.enable < 2;
-  return isKnown ? enables[model.enable] : nullptr;
-}
 
 void addTriple(TextTable& table, const std::string& name, const IBISTriple& triple,
                const std::string& unit) {
@@ -61,23 +45,6 @@ std::string valuesText(const IBISModel& model) {
     addTriple(table, std::string(value.name) + " (off)", model.seriesOff.*value.triple, value.unit);
   }
   return '\n' + table.text();
-}
-
-// The ramp in volts a second; no slope of no time.
-IBISTriple slopeOf(const IBISTriple& swing, const IBISTriple& time) {
-  IBISTriple slope{.typ = swing.typ / time.typ,
-                   .max = swing.max / time.max,
-                   .min = swing.min / time.min,
-                   .missing = swing.missing};
-  for (const int corner : corners) {
-    if (!std::isfinite(slope.at(corner))) slope.missing.set(corner);
-    if (!slope.missing.at(corner)) slope.present = true;
-  }
-  return slope;
-}
-
-bool hasRamp(const IBISTriple& time) {
-  return time.typ != 0.0 || time.min != 0.0 || time.max != 0.0;
 }
 
 void addRamp(TextTable& table, const std::string& edge, const IBISTriple& swing,
@@ -193,105 +160,6 @@ std::string headText(const ModelSummary& summary) {
   return out + table.text();
 }
 
-ordered_json optionalJson(const IBISOptional& value) {
-  return value.present && !value.isNA ? ordered_json(value.value) : ordered_json();
-}
-
-ordered_json listJson(const YVector<double>& list) {
-  ordered_json array = ordered_json::array();
-  for (const double value : list) array.push_back(value);
-  return array;
-}
-
-ordered_json cornerListJson(const YVector<double>& list, const MissingCells& missing, int corner) {
-  ordered_json array = ordered_json::array();
-  for (std::int32_t row = 0; row < list.size(); ++row) {
-    array.push_back(missing.at(row, corner) ? ordered_json() : ordered_json(list[row]));
-  }
-  return array;
-}
-
-template <class Points>
-void addCornersJson(ordered_json& item, const Points& points) {
-  item["typ"] = cornerListJson(points.typ, points.missing, corner::typ);
-  item["min"] = cornerListJson(points.min, points.missing, corner::min);
-  item["max"] = cornerListJson(points.max, points.missing, corner::max);
-}
-
-ordered_json tableJson(const NamedTable& named) {
-  ordered_json item = ordered_json::object();
-  item["name"] = named.name;
-  item["voltage"] = listJson(named.table->voltage);
-  addCornersJson(item, *named.table);
-  return item;
-}
-
-ordered_json waveformJson(const NamedWaveform& named) {
-  const IBISWaveform waveform = withPoints(*named.waveform);
-  const IBISTriple fixture = fixtureVoltages(waveform);
-  ordered_json item = ordered_json::object();
-  item["name"] = named.name;
-  item["origin"] = named.waveform->kind == IBISWaveform::fromFile ? "given" : "estimated";
-  item["R_fixture"] = optionalJson(waveform.rFixture);
-  item["V_fixture"] = tripleJson(&fixture);
-  item["C_fixture"] = optionalJson(waveform.cFixture);
-  item["L_fixture"] = optionalJson(waveform.lFixture);
-  item["R_dut"] = optionalJson(waveform.rDut);
-  item["L_dut"] = optionalJson(waveform.lDut);
-  item["C_dut"] = optionalJson(waveform.cDut);
-  item["time"] = listJson(waveform.time);
-  addCornersJson(item, waveform);
-  return item;
-}
-
-ordered_json rampJson(IBISTriple swing, IBISTriple time) {
-  swing.present = time.present = hasRamp(time);
-  const IBISTriple slope = slopeOf(swing, time);
-  return {{"dV", tripleJson(&swing)}, {"dt", tripleJson(&time)}, {"slope", tripleJson(&slope)}};
-}
-
-ordered_json valuesJson(const IBISModel& model) {
-  ordered_json object = ordered_json::object();
-  for (const ModelValue& value : modelValues()) {
-    const IBISTriple& triple = model.*value.triple;
-    if (triple.present) object[value.name] = tripleJson(&triple);
-  }
-  return object;
-}
-
-// What a load takes where the file gives nothing.
-ordered_json defaultsJson(const IBISModel& model) {
-  ordered_json object = ordered_json::object();
-  for (const ModelValue& value : modelValues()) {
-    IBISTriple triple = model.*value.triple;
-    if (!isDefault(triple)) continue;
-    triple.present = true;
-    object[value.name] = tripleJson(&triple);
-  }
-  return object;
-}
-
-ordered_json seriesJson(const IBISSeriesElements& elements) {
-  ordered_json object = ordered_json::object();
-  for (const SeriesValue& value : seriesValues()) {
-    const IBISTriple& triple = elements.*value.triple;
-    if (triple.present) object[value.name] = tripleJson(&triple);
-  }
-  return object;
-}
-
-ordered_json figuresJson(const IBISModel& model) {
-  const DriverFigures figures = driverFigures(model);
-  return {{"highImpedance", tripleJson(&figures.highImpedance)},
-          {"lowImpedance", tripleJson(&figures.lowImpedance)},
-          {"highLevel", tripleJson(&figures.highLevel)},
-          {"lowLevel", tripleJson(&figures.lowLevel)}};
-}
-
-ordered_json wordJson(const char* word) {
-  return word == nullptr ? ordered_json() : ordered_json(word);
-}
-
 // Fifteen digits, which a decimal number of a file survives.
 std::string plainNumber(double value) { return numberText(value, 15); }
 
@@ -336,32 +204,6 @@ std::string modelText(const ModelSummary& summary) {
   const IBISModel& model = *summary.model;
   return headText(summary) + valuesText(model) + rampText(model) + tablesText(model) +
          waveformsText(model) + figuresText(model);
-}
-
-ordered_json fullModelJson(const ModelSummary& summary) {
-  const IBISModel& model = *summary.model;
-  ordered_json item = ordered_json::object();
-  item["name"] = model.name.view();
-  item["line"] = model.lineNumber;
-  item["type"] = modelTypeRow(model.type).name;
-  item["polarity"] = wordJson(polarityOf(model));
-  item["enable"] = wordJson(enableOf(model));
-  item["users"] = usersJson(summary.users);
-  item["selectors"] = selectorNamesJson(summary);
-  item["convertible"] = model.isSound;
-  item["reasons"] = diagnosticsJson(summary.reasons);
-  item["values"] = valuesJson(model);
-  item["defaults"] = defaultsJson(model);
-  item["series"] = {{"on", seriesJson(model.seriesOn)}, {"off", seriesJson(model.seriesOff)}};
-  item["ramp"] = {{"rising", rampJson(model.rampDvRise, model.rampDtRise)},
-                  {"falling", rampJson(model.rampDvFall, model.rampDtFall)},
-                  {"R_load", optionalJson(model.rLoad)}};
-  ordered_json& tables = item["tables"] = ordered_json::array();
-  for (const NamedTable& each : namedTables(model)) tables.push_back(tableJson(each));
-  ordered_json& waveforms = item["waveforms"] = ordered_json::array();
-  for (const NamedWaveform& each : namedWaveforms(model)) waveforms.push_back(waveformJson(each));
-  item["driver"] = figuresJson(model);
-  return item;
 }
 
 }  // namespace ibis::cli

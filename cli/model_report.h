@@ -1,6 +1,5 @@
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <string>
 
 #include "file_summary.h"
@@ -10,9 +9,6 @@ namespace ibis::cli {
 
 /// A model in full for a person, with units and without the points of its tables.
 std::string modelText(const ModelSummary& summary);
-
-/// A model with every number, see docs/json.md.
-nlohmann::ordered_json fullModelJson(const ModelSummary& summary);
 
 /// The points of a table or a waveform as lines of four numbers behind a line of titles.
 ///

@@ -1,5 +1,9 @@
 #include "model_values.h"
 
+#include <cmath>
+
+#include "model/model_types.h"
+
 namespace ibis::cli {
 namespace {
 
@@ -96,6 +100,34 @@ std::vector<NamedWaveform> namedWaveforms(const IBISModel& model) {
   addWaveforms(all, "rising_", model.risingWaveforms);
   addWaveforms(all, "falling_", model.fallingWaveforms);
   return all;
+}
+
+const char* polarityOf(const IBISModel& model) {
+  constexpr const char* polarities[] = {"Non-Inverting", "Inverting"};
+  const bool isKnown = hasPolarity(model.type) && model.polarity < 2;
+  return isKnown ? polarities[model.polarity] : nullptr;
+}
+
+const char* enableOf(const IBISModel& model) {
+  constexpr const char* enables[] = {"Active-High", "Active-Low"};
+  const bool isKnown = hasEnable(model.type) && model.enable < 2;
+  return isKnown ? enables[model.enable] : nullptr;
+}
+
+IBISTriple slopeOf(const IBISTriple& swing, const IBISTriple& time) {
+  IBISTriple slope{.typ = swing.typ / time.typ,
+                   .max = swing.max / time.max,
+                   .min = swing.min / time.min,
+                   .missing = swing.missing};
+  for (const int corner : {corner::typ, corner::min, corner::max}) {
+    if (!std::isfinite(slope.at(corner))) slope.missing.set(corner);
+    if (!slope.missing.at(corner)) slope.present = true;
+  }
+  return slope;
+}
+
+bool hasRamp(const IBISTriple& time) {
+  return time.typ != 0.0 || time.min != 0.0 || time.max != 0.0;
 }
 
 }  // namespace ibis::cli

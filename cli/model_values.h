@@ -30,6 +30,18 @@ std::span<const SeriesValue> seriesValues();
 /// Whether the file gives none, and the number is what a load takes in its place.
 bool isDefault(const IBISTriple& triple);
 
+/// "Inverting" or "Non-Inverting"; null for a type without a polarity.
+const char* polarityOf(const IBISModel& model);
+
+/// "Active-High" or "Active-Low"; null for a type that is always on.
+const char* enableOf(const IBISModel& model);
+
+/// Whether the file gives the times of an edge of the ramp.
+bool hasRamp(const IBISTriple& time);
+
+/// The slopes of an edge in volts a second; no slope of no time.
+IBISTriple slopeOf(const IBISTriple& swing, const IBISTriple& time);
+
 /// A table of a model by the name that `show` gives it.
 struct NamedTable {
   std::string name;

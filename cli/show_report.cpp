@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "model_json.h"
 #include "model_report.h"
 #include "printable.h"
 #include "quantity.h"
@@ -290,7 +291,8 @@ std::string showText(const Found& found) {
 void printFoundJson(JsonObject& object, const Found& found) {
   object.addArray("components", found.components,
                   [](const auto* each) { return componentJson(*each); });
-  object.addArray("models", found.models, [](const auto* each) { return fullModelJson(*each); });
+  std::ostream& out = object.begin("models");
+  printArray(out, found.models, [&](const auto* each) { printModelJson(out, *each); });
   object.addArray("selectors", found.selectors,
                   [](const auto* each) { return selectorJson(*each); });
   object.addArray("packageModels", found.packageModels,

@@ -69,6 +69,19 @@ TEST(Memory, ThatEndsAmong200000ErrorsIsTold) {
   EXPECT_FALSE(fs::exists(folder.file("out")));
 }
 
+// Each of the two waveforms has nearly a million points in three corners.
+TEST(Memory, IsNotTakenForEachNumberThatShowPrints) {
+  const TemporaryFolder folder;
+  const std::string source = folder.write(
+      "slow.ibs",
+      "[IBIS Ver] 4.2\n[Component] C\n[Manufacturer] M\n[Pin] signal_name model_name\n1 A m\n"
+      "[Model] m\nModel_type Output\n[Voltage Range] 3 3 3\n[Pulldown]\n-3 -1\n6 1\n[Pullup]\n"
+      "-3 1\n6 -1\n[Ramp]\ndV/dt_r 1/1n 1/1n 1/4u\ndV/dt_f 1/1n 1/1n 1/4u\n[End]\n");
+  const Outcome outcome = runWithMemory(150'000, {"show", source, "--json"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_GT(outcome.out.size(), 100'000'000u);
+}
+
 TEST(Memory, ThatOneFileUsesUpIsThereForTheOthers) {
   constexpr int others = 40;
   for (const char* jobs : {"1", "2"}) {
