@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <iostream>
+#include <new>
 
 #include "check_errors.h"
 #include "check_json.h"
@@ -15,6 +16,7 @@
 #include "checks/rules.h"
 #include "exit_status.h"
 #include "input_text.h"
+#include "messages.h"
 #include "reader/text/text_buffer.h"
 #include "rule_selection.h"
 #include "source_fault.h"
@@ -101,6 +103,17 @@ CheckedFile checkFile(const Source& source, const RuleSelection& selection) {
   return file;
 }
 
+// A file ends no run, not even by taking all memory.
+CheckedFile checkFileAlone(const Source& source, const RuleSelection& selection) {
+  try {
+    return checkFile(source, selection);
+  } catch (const std::bad_alloc& fault) {
+    return {.name = source.name,
+            .text = {},
+            .diagnostics = {tell(Severity::error, message::workFailed, fault.what())}};
+  }
+}
+
 std::vector<std::string> namesOf(const std::vector<Source>& sources) {
   std::vector<std::string> names;
   for (const Source& source : sources) names.push_back(source.name);
@@ -112,7 +125,7 @@ template <class Print>
 int checkAll(const std::vector<Source>& sources, const RuleSelection& selection,
              CheckTotals& totals, Print print) {
   for (const Source& source : sources) {
-    const CheckedFile file = checkFile(source, selection);
+    const CheckedFile file = checkFileAlone(source, selection);
     totals.add(file);
     print(file);
   }

@@ -190,9 +190,10 @@ std::optional<Diagnostic> write(Load& load, const ConversionRequest& request, Co
   WatchedSink files;
   const std::uint64_t limit =
       request.isLimited ? usualOutputLimit(load.text().size()) : std::uint64_t{UINT64_MAX};
-  LimitedSink sink(files, limit);
+  LimitedSink sink(files, limit, request.written ? *request.written : 0);
   try {
     result.files = load.write(sink);
+    if (request.written) *request.written = sink.taken();
   } catch (const OutputTooLarge&) {
     return tell(Severity::error, message::outputTooLarge, limit);
   }
@@ -340,6 +341,7 @@ Conversion convert(const ConversionRequest& asked) {
   if (!request.allComponents && request.furtherModes.empty()) return convertOne(request);
   Conversion result;
   request.taken = std::make_shared<std::set<std::string>>();
+  request.written = std::make_shared<std::uint64_t>(0);
   for (const ConversionRequest& ofMode : requestPerMode(request)) {
     for (ConversionRequest& each : requestPerComponent(ofMode)) {
       each.isChecked = request.isChecked;

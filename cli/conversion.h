@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <set>
 #include <string>
@@ -31,6 +32,7 @@ struct ConversionRequest {
   bool isLimited = true;                         ///< Writes no more than the usual limit of output.
   bool isChecked = true;                         ///< Tells the errors that a check finds.
   std::shared_ptr<std::set<std::string>> taken = {};  ///< Outputs so far, in small letters.
+  std::shared_ptr<std::uint64_t> written = {};        ///< Bytes of those outputs.
   std::shared_ptr<const InputFiles> inputs = {};      ///< No output replaces one of them.
 };
 

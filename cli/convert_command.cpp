@@ -218,7 +218,11 @@ void dropSigns(std::vector<std::string>& pins) {
 }
 
 int convertOneFile(const ConvertOptions& options) {
-  const Conversion conversion = convert(options.request);
+  ConversionRequest request = options.request;
+  const auto inputs = std::make_shared<InputFiles>();
+  inputs->add(request.source);
+  request.inputs = inputs;
+  const Conversion conversion = convert(request);
   const int status = exitStatusOf(conversion, options.warningsFail);
   printMessages(std::cerr, options.request.source, conversion, options.messages.count());
   if (options.asJson) {

@@ -8,6 +8,7 @@
 
 #include "export_request.h"
 #include "ibis/file.h"
+#include "input_files.h"
 #include "simulator/dialect.h"
 #include "simulator/names.h"
 
@@ -36,6 +37,7 @@ struct ExportChoice {
   const ExportRequest& request;
   const IBISFileData& data;
   const Dialect& dialect;
+  const InputFiles& inputs;
   std::uint64_t mostBytes = UINT64_MAX;                     ///< Of each file.
   const IBISComponent* component = nullptr;                 ///< Null for models alone.
   std::vector<const IBISPinEntry*> entries = {};            ///< Of the component, in its order.

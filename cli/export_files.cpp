@@ -61,11 +61,6 @@ SubcircuitFile makeFile(ExportChoice& choice, int corner, Export& result) {
   return file;
 }
 
-bool isSource(const ExportChoice& choice, const std::string& name) {
-  std::error_code ignored;
-  return fs::equivalent(choice.request.source, name, ignored);
-}
-
 // Whether the whole file was written and is in its place.
 template <class Write>
 bool isPut(const ExportChoice& choice, const std::string& name, Write write) {
@@ -81,7 +76,7 @@ bool isPut(const ExportChoice& choice, const std::string& name, Write write) {
 // What kept a file from being written by a function of a writer, if anything did.
 template <class Write>
 std::optional<Diagnostic> put(const ExportChoice& choice, const std::string& name, Write write) {
-  if (isSource(choice, name)) return tell(Severity::error, message::outputIsInput, name.c_str());
+  if (choice.inputs.hold(name)) return tell(Severity::error, message::outputIsInput, name.c_str());
   try {
     if (isPut(choice, name, write)) return std::nullopt;
   } catch (const OutputTooLarge&) {
@@ -216,7 +211,10 @@ Export exportFile(const ExportRequest& request) {
   }
   const IBISFileData& data = source.document->file();
   result.warnings = data.warnings;
-  ExportChoice choice{.request = request, .data = data, .dialect = *findDialect(request.format)};
+  InputFiles inputs;
+  inputs.add(request.source);
+  ExportChoice choice{
+      .request = request, .data = data, .dialect = *findDialect(request.format), .inputs = inputs};
   if (request.isLimited) choice.mostBytes = usualOutputLimit(source.size);
   choose(choice, result);
   if (choice.component != nullptr) chooseSeries(choice, result);

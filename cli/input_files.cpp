@@ -1,10 +1,11 @@
 #include "input_files.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <optional>
 
-#include "packed_input.h"
+#include "input_text.h"
 
 namespace ibis::cli {
 namespace {
@@ -18,6 +19,11 @@ std::optional<std::pair<dev_t, ino_t>> identityOf(const std::string& name) {
 }  // namespace
 
 void InputFiles::add(const std::string& source) {
+  struct stat status {};
+  if (source == standardInput) {
+    if (::fstat(STDIN_FILENO, &status) == 0) identities_.insert({status.st_dev, status.st_ino});
+    return;
+  }
   const std::optional<MemberName> member = splitMemberName(source);
   if (const auto identity = identityOf(member ? member->archive : source)) {
     identities_.insert(*identity);

@@ -11,7 +11,7 @@ namespace ibis::cli {
 /// The files that a run reads, whatever name each goes by.
 class InputFiles {
  public:
-  /// Adds a file; a member of a zip archive stands for the archive.
+  /// Adds a file; a member of a zip archive stands for the archive, "-" for standard input.
   void add(const std::string& source);
 
   /// Whether a name leads to one of them.

@@ -1,5 +1,6 @@
 #include "interruption.h"
 
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -8,11 +9,13 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <filesystem>
 #include <mutex>
 #include <new>
 #include <set>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <thread>
 
 #include "exit_status.h"
@@ -23,6 +26,8 @@ namespace {
 struct Register {
   std::mutex mutex;
   std::set<std::string> files;
+  std::set<std::string> folders;
+  std::set<pid_t> children;
 };
 
 // Never destroyed: the thread that reads it lives as long as the program.
@@ -43,8 +48,17 @@ sigset_t endingSignals() {
   return signals;
 }
 
+// A process that has ended writes nothing more into its folder.
 void removeUnfinished() {
+  for (const pid_t child : unfinished().children) {
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
+  }
   for (const std::string& name : unfinished().files) std::remove(name.c_str());
+  for (const std::string& folder : unfinished().folders) {
+    std::error_code ignored;
+    std::filesystem::remove_all(folder, ignored);
+  }
 }
 
 bool lacksMemory() {
@@ -97,6 +111,37 @@ void watchForInterruption() {
   } catch (const std::exception&) {
     pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
   }
+}
+
+pid_t startWatched(const std::function<pid_t()>& start) {
+  const std::lock_guard lock(unfinished().mutex);
+  const pid_t child = start();
+  unfinished().children.insert(child);
+  return child;
+}
+
+// The number of a process is free for another one when it has been waited for, so that is under the
+// lock, when nothing is left to wait for.
+int waitForWatched(pid_t child) {
+  siginfo_t info{};
+  while (waitid(P_PID, static_cast<id_t>(child), &info, WEXITED | WNOWAIT) < 0 && errno == EINTR) {
+  }
+  const std::lock_guard lock(unfinished().mutex);
+  int status = 0;
+  while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
+  }
+  unfinished().children.erase(child);
+  return status;
+}
+
+void watchFolder(const std::string& folder) {
+  const std::lock_guard lock(unfinished().mutex);
+  unfinished().folders.insert(folder);
+}
+
+void forgetFolder(const std::string& folder) {
+  const std::lock_guard lock(unfinished().mutex);
+  unfinished().folders.erase(folder);
 }
 
 // What takes a tree of JSON down asks for memory, and it may not throw.

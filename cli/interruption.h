@@ -1,5 +1,10 @@
 #pragma once
 
+#include <sys/types.h>
+
+#include <functional>
+#include <string>
+
 #include "output/stream/file_sink.h"
 
 namespace ibis::cli {
@@ -8,6 +13,16 @@ namespace ibis::cli {
 ///
 /// Called before the first thread starts, since every thread inherits the blocked signals.
 void watchForInterruption();
+
+/// Starts a process that ends with the program where a signal ends that; gives its number.
+pid_t startWatched(const std::function<pid_t()>& start);
+
+/// Waits for such a process and gives its status as waitpid does.
+int waitForWatched(pid_t child);
+
+/// Makes a signal that ends the program remove a folder with all that is in it. Any thread.
+void watchFolder(const std::string& folder);
+void forgetFolder(const std::string& folder);
 
 /// Makes the program end with an error where memory lacks and no exception can tell of it.
 void watchForLackOfMemory();

@@ -2,9 +2,13 @@
 
 #include <CLI/CLI.hpp>
 #include <iostream>
+#include <new>
+#include <optional>
+#include <utility>
 
 #include "exit_status.h"
 #include "list_report.h"
+#include "messages.h"
 #include "record_json.h"
 #include "report.h"
 #include "source_list.h"
@@ -33,18 +37,35 @@ Examples:
   ibis-load list hub.ibs --json | jq -r '.models[].name'
       prints the names of the models)";
 
-// A file that holds nothing has a reading all the same.
-TolerantReading readSource(const Source& source) {
-  if (!source.fault) return readTolerantly(source.name);
-  return {.document = {}, .leftOut = {}, .errors = {*source.fault}};
+TolerantReading failure(Diagnostic reason) {
+  return {.document = {}, .leftOut = {}, .errors = {std::move(reason)}};
 }
 
-void printFileJson(std::ostream& out, const std::string& name, const TolerantReading& reading) {
+// What is told of a file: it ends no run, not even by taking all memory.
+struct Listed {
+  TolerantReading reading;
+  std::optional<FileSummary> summary;  // none for a file that could not be read
+};
+
+// A file that holds nothing has a reading all the same.
+Listed readSource(const Source& source) {
+  if (source.fault) return {failure(*source.fault), {}};
+  try {
+    Listed listed{readTolerantly(source.name), {}};
+    if (listed.reading.document) listed.summary = summarize(listed.reading);
+    return listed;
+  } catch (const std::bad_alloc& fault) {
+    return {failure(tell(Severity::error, message::workFailed, fault.what())), {}};
+  }
+}
+
+void printFileJson(std::ostream& out, const std::string& name, const Listed& listed) {
+  const TolerantReading& reading = listed.reading;
   JsonObject object(out);
   object.add("schema", jsonSchema);
   object.add("file", name);
   object.add("status", reading.errors.empty() ? exitStatus::done : exitStatus::failed);
-  if (reading.document) printListJson(object, reading);
+  if (listed.summary) printListJson(object, reading, *listed.summary);
   printDiagnostics(object.begin("errors"), reading.errors);
   object.finish();
 }
@@ -54,15 +75,16 @@ class Listing {
   Listing(const ListOptions& options, bool isArray) : options_(options), isArray_(isArray) {}
 
   void add(const Source& source) {
-    const TolerantReading reading = readSource(source);
+    const Listed listed = readSource(source);
+    const TolerantReading& reading = listed.reading;
     if (!reading.errors.empty()) status_ = exitStatus::failed;
     printMessages(std::cerr, source.name, reading.errors, options_.messages.count());
     if (options_.asJson) {
       std::cout << (isArray_ ? isFirst_ ? "[" : ",\n" : "");
-      printFileJson(std::cout, source.name, reading);
-    } else if (reading.document && reading.errors.empty()) {
+      printFileJson(std::cout, source.name, listed);
+    } else if (listed.summary && reading.errors.empty()) {
       std::cout << (isFirst_ ? "" : "\n")
-                << listText(source.name, reading, options_.messages.count());
+                << listText(source.name, reading, *listed.summary, options_.messages.count());
     } else {
       return;
     }

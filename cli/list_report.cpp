@@ -191,9 +191,9 @@ ordered_json packageJson(const IBISPackageModel& package) {
 
 }  // namespace
 
-std::string listText(const std::string& source, const TolerantReading& reading, std::size_t limit) {
+std::string listText(const std::string& source, const TolerantReading& reading,
+                     const FileSummary& summary, std::size_t limit) {
   const IBISFileData& file = reading.document->file();
-  const FileSummary summary = summarize(reading);
   const bool namesComponent = file.components.size() > 1;
   std::string out = headLine(source, file);
   addSection(out, "Components", componentTable(file));
@@ -205,9 +205,8 @@ std::string listText(const std::string& source, const TolerantReading& reading, 
   return out;
 }
 
-void printListJson(JsonObject& object, const TolerantReading& reading) {
+void printListJson(JsonObject& object, const TolerantReading& reading, const FileSummary& summary) {
   const IBISFileData& file = reading.document->file();
-  const FileSummary summary = summarize(reading);
   ordered_json header = ordered_json::object();
   addHeaderJson(header, file);
   object.addMembers(header);

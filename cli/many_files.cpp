@@ -7,6 +7,7 @@
 
 #include "conversion_queue.h"
 #include "exit_status.h"
+#include "printable.h"
 #include "progress.h"
 #include "report.h"
 #include "result_table.h"
@@ -29,7 +30,8 @@ class RunningReport {
       print(source, conversion, progress);
     } catch (const std::bad_alloc&) {
       status_ = exitStatus::failed;
-      std::cerr << source.name << ": error: out of memory while its messages were printed\n";
+      std::cerr << printable(source.name) +
+                       ": error: out of memory while its messages were printed\n";
     }
   }
 

@@ -2,16 +2,16 @@
 
 #include <fcntl.h>
 #include <spawn.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <sstream>
 
+#include "interruption.h"
 #include "reader/text/open_file.h"
 
 extern char** environ;
@@ -74,21 +74,42 @@ class FileActions {
   posix_spawn_file_actions_t actions_;
 };
 
+// The program's own threads block the signals that end it; a started process is not to.
+class UsualSignals {
+ public:
+  UsualSignals() {
+    sigset_t none;
+    sigemptyset(&none);
+    posix_spawnattr_init(&attributes_);
+    posix_spawnattr_setsigmask(&attributes_, &none);
+    posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGMASK);
+  }
+  ~UsualSignals() { posix_spawnattr_destroy(&attributes_); }
+  UsualSignals(const UsualSignals&) = delete;
+  UsualSignals& operator=(const UsualSignals&) = delete;
+
+  const posix_spawnattr_t* get() const { return &attributes_; }
+
+ private:
+  posix_spawnattr_t attributes_;
+};
+
 void runProgram(std::initializer_list<std::string> words, const std::string& log) {
   std::vector<std::string> texts(words);
   std::vector<char*> arguments;
   for (std::string& text : texts) arguments.push_back(text.data());
   arguments.push_back(nullptr);
   const FileActions actions(log);
-  pid_t child = 0;
-  const int fault =
-      posix_spawnp(&child, programName, actions.get(), nullptr, arguments.data(), environ);
-  if (fault != 0) {
-    throw SimulatorFault(std::string("cannot start ngspice: ") + std::strerror(fault));
-  }
-  int status = 0;
-  while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
-  }
+  const UsualSignals signals;
+  waitForWatched(startWatched([&] {
+    pid_t child = 0;
+    const int fault =
+        posix_spawnp(&child, programName, actions.get(), signals.get(), arguments.data(), environ);
+    if (fault != 0) {
+      throw SimulatorFault(std::string("cannot start ngspice: ") + std::strerror(fault));
+    }
+    return child;
+  }));
 }
 
 // The first line of a log that tells why a run is not complete, or nothing.
@@ -108,11 +129,13 @@ TemporaryFolder::TemporaryFolder() {
   std::string name = (std::filesystem::temp_directory_path() / "ibis-load-XXXXXX").string();
   if (mkdtemp(name.data()) == nullptr) throw SimulatorFault("cannot make a temporary folder");
   path_ = name;
+  watchFolder(path_);
 }
 
 TemporaryFolder::~TemporaryFolder() {
   std::error_code ignored;
   std::filesystem::remove_all(path_, ignored);
+  forgetFolder(path_);
 }
 
 void requireNgspice() {

@@ -11,12 +11,15 @@
 
 #include "exit_status.h"
 #include "export_source.h"
+#include "interruption.h"
 #include "json_line.h"
 #include "messages.h"
 #include "ngspice.h"
+#include "printable.h"
 #include "progress.h"
 #include "report.h"
 #include "simulator/device_notes.h"
+#include "text_columns.h"
 #include "verify_model.h"
 
 namespace ibis::cli {
@@ -104,7 +107,9 @@ EdgeMethod methodOf(const ModelResult& result, Edge edge) {
 }
 
 void printHead(std::ostream& out, const std::string& name, std::size_t columns, int corner) {
-  out << name << std::string(columns - name.size(), ' ') << "  " << cornerWord(corner) << "  ";
+  const std::string shown = printable(name);
+  out << shown << std::string(columns - std::min(columns, columnsOf(shown)), ' ') << "  "
+      << cornerWord(corner) << "  ";
 }
 
 void printWaveform(std::ostream& out, const WaveformResult& each) {
@@ -124,7 +129,7 @@ void printTail(std::ostream& out, const ModelResult& result, EdgeMethod method) 
 void printResult(std::ostream& out, const ModelResult& result, std::size_t columns) {
   if (!result.fault.empty()) {
     printHead(out, result.model, columns, result.corner);
-    out << "run not complete: " << result.fault << '\n';
+    out << "run not complete: " << printable(result.fault) << '\n';
     return;
   }
   for (const WaveformResult& each : result.waveforms) {
@@ -139,8 +144,12 @@ void printResult(std::ostream& out, const ModelResult& result, std::size_t colum
 }
 
 void printTable(std::ostream& out, const std::vector<ModelResult>& results) {
+  constexpr std::size_t mostColumns = 40;  // a longer name shifts its own line alone
   std::size_t columns = 5;
-  for (const ModelResult& each : results) columns = std::max(columns, each.model.size());
+  for (const ModelResult& each : results) {
+    const std::size_t wanted = columnsOf(printable(each.model));
+    if (wanted <= mostColumns) columns = std::max(columns, wanted);
+  }
   out << "model" << std::string(columns - 5, ' ')
       << "  corner waveform   error %     DC V   time s  made from\n";
   for (const ModelResult& each : results) printResult(out, each, columns);
@@ -221,6 +230,7 @@ CLI::App* addVerifyCommand(CLI::App& program, VerifyOptions& options) {
 }
 
 int runVerify(const VerifyOptions& options) {
+  watchForInterruption();
   try {
     requireNgspice();
   } catch (const SimulatorFault& fault) {
@@ -234,6 +244,8 @@ int runVerify(const VerifyOptions& options) {
   for (const std::string& name : unknown) {
     return refuse(options.source, refuseModel(data, name));
   }
+  if (models.empty())
+    return refuse(options.source, tell(Severity::error, message::nothingToExport));
   const std::vector<std::string> typ{"typ"};
   const auto tasks = tasksOf(models, options.corners.empty() ? typ : options.corners);
   const std::vector<ModelResult> results = runTasks(tasks, options);

@@ -32,10 +32,12 @@ void checkFound(const cli::Found& found) {
 
 void checkDocument(const cli::TolerantReading& reading) {
   const IBISFileData& file = reading.document->file();
-  REQUIRE(isPlainText(cli::listText(sourceName, reading, cli::usualMessageLimit)));
+  REQUIRE(isPlainText(
+      cli::listText(sourceName, reading, cli::summarize(reading), cli::usualMessageLimit)));
   REQUIRE(isPlainText(cli::headerText(sourceName, file)));
-  const auto list =
-      printedJson([&](cli::JsonObject& object) { cli::printListJson(object, reading); });
+  const auto list = printedJson([&](cli::JsonObject& object) {
+    cli::printListJson(object, reading, cli::summarize(reading));
+  });
   REQUIRE(list["components"].size() == file.components.size());
   REQUIRE(list["leftOut"].size() == reading.leftOut.size());
   const cli::FileSummary summary = cli::summarize(reading);

@@ -54,8 +54,9 @@ class RampReader : private ValueReader {
     const std::size_t slash = word.text.find('/');
     const bool isNA = equalIgnoringCase(word.text, "NA");
     if (isNA && c != typ) return;
+    const std::string_view first = word.text.substr(0, slash);
     const std::string_view second = slash == word.text.npos ? "" : word.text.substr(slash + 1);
-    const NumberWord dv = readNumberWord(word.text.substr(0, slash));
+    const NumberWord dv = readNumberWord(first);
     const NumberWord dt = readNumberWord(second);
     if (isNA || std::isnan(dv.value) || std::isnan(dt.value)) {
       if (isCounted()) {
@@ -64,12 +65,12 @@ class RampReader : private ValueReader {
       }
       return;
     }
-    for (const NumberWord& part : {dv, dt}) {
-      if (part.fault > NumberFault::notAvailable) {
-        tellFault(part, view_.spotOf(line, word, block), &part == &dv ? word.text : second, label,
-                  {});
-      }
-    }
+    const auto tell = [&](const NumberWord& part, std::string_view text) {
+      if (part.fault <= NumberFault::notAvailable) return;
+      tellFault(part, view_.spotOf(line, word, block), text, label, {});
+    };
+    tell(dv, first);
+    tell(dt, second);
     edge.dv[c] = dv.value;
     edge.dt[c] = dt.value;
   }

@@ -265,6 +265,8 @@ TEST(StandardInput, IsReadForADash) {
   EXPECT_EQ(result.out, "./BUF_1.lb\n0 warnings, 0 errors\n");
   EXPECT_EQ(readWholeFile(folder.file("BUF_1.lb")),
             convertText(bufferText, {"-m", "package"}).files.at("BUF_1.lb"));
+  EXPECT_EQ(run({"-c", "exec \"$0\" list - < /", IBIS_PROGRAM_PATH}, {.program = "/bin/sh"}).err,
+            "-: error: Cannot read the whole file\n");
   EXPECT_EQ(run({"convert", "-", "-q"}, {.input = "", .folder = folder.path()}).err,
             "-: error: The file has no component\n-: note: it is empty\n");
 }

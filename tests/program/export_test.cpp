@@ -73,7 +73,9 @@ std::string subcircuit(const std::string& text, const std::string& name) {
 // The search path of the runs, put back with the object.
 class SearchPath {
  public:
-  explicit SearchPath(const char* path) : before_(std::getenv("PATH")) { setenv("PATH", path, 1); }
+  explicit SearchPath(const std::string& path) : before_(std::getenv("PATH")) {
+    setenv("PATH", path.c_str(), 1);
+  }
   ~SearchPath() { setenv("PATH", before_.c_str(), 1); }
   SearchPath(const SearchPath&) = delete;
   SearchPath& operator=(const SearchPath&) = delete;
@@ -477,6 +479,50 @@ TEST(VerifyCommand, SaysThatThereIsNoSimulator) {
   EXPECT_EQ(result.err,
             "ibis-load: error: cannot start ngspice: No such file or directory; it must be on the "
             "PATH\n");
+}
+
+// Stands for the simulator: writes its number into a file and never ends.
+void writeSimulator(const TemporaryFolder& folder, const std::string& lines) {
+  const std::string name =
+      folder.write("ngspice", "#!/bin/sh\n[ \"$1\" = -v ] && exit 0\n" + lines + "\n");
+  std::filesystem::permissions(name, std::filesystem::perms::owner_all);
+}
+
+TEST(VerifyCommand, ShowsNamesAndLogsAsPlainText) {
+  const TemporaryFolder tools;
+  writeSimulator(tools, "printf 'Error: \\033[2J\\n'");
+  const SearchPath path(tools.path() + ":/usr/bin:/bin");
+  const TemporaryFolder folder;
+  folder.write("a.ibs",
+               "[IBIS Ver] 4.2\n[Component] C\n[Manufacturer] M\n[Pin] s m\n1 A m\x1b\n"
+               "[Model] m\x1b\nModel_type Input\nVinl = 0.8\nVinh = 2\n[End]\n");
+  const Outcome result = run({"verify", "a.ibs"}, {.folder = folder.path()});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.out, HasSubstr("m\\x1B  typ  run not complete: Error: \\x1B[2J\n"));
+}
+
+TEST(VerifyCommand, TakesItsSimulatorAndFolderWithItWhenASignalEndsIt) {
+  const TemporaryFolder tools;
+  writeSimulator(tools, "echo $$ > " + tools.file("number") + "\nexec sleep 60");
+  const SearchPath path(tools.path() + ":/usr/bin:/bin");
+  const TemporaryFolder temporary;
+  const Outcome result = run({"-c", "TMPDIR=\"$0\" exec timeout -s TERM 2 \"$1\" verify \"$2\"",
+                              temporary.path(), IBIS_PROGRAM_PATH, example},
+                             {.program = "/bin/sh"});
+  EXPECT_EQ(result.status, 124);
+  EXPECT_TRUE(temporary.names().empty());
+  const int child = std::stoi(readWholeFile(tools.file("number")));
+  EXPECT_EQ(kill(child, 0), -1);
+}
+
+TEST(VerifyCommand, FailsWhereThereIsNothingToVerify) {
+  if (!hasNgspice()) GTEST_SKIP() << "ngspice is not on the PATH";
+  const TemporaryFolder folder;
+  folder.write("a.ibs", "[IBIS Ver] 4.2\n[Component] C\n[Manufacturer] M\n[End]\n");
+  const Outcome result = run({"verify", "a.ibs"}, {.folder = folder.path()});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.err,
+            "a.ibs: error: Nothing to export: no driver, receiver or terminator is left\n");
 }
 
 TEST(VerifyCommand, SaysWhatIsNotThere) {

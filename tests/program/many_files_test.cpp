@@ -6,6 +6,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "program/packing.h"
 #include "program/run.h"
 #include "program/texts.h"
 
@@ -334,6 +335,27 @@ TEST(ManyFiles, NoFolderStandsWhereAFileOfAnotherSourceBelongs) {
   const Outcome result = library.convert({"lib"});
   EXPECT_EQ(result.status, 0);
   EXPECT_THAT(library.written(), ElementsAre("sub/BUF_1.lb", "sub/BUF_1.lb_/BUF_1.lb"));
+}
+
+TEST(OneFile, NeitherAnArchiveNorStandardInputIsReplacedByItsOutput) {
+  const TemporaryFolder folder;
+  const std::string archive = packedByZip({{"x.ibs", bufferText}});
+  folder.write("dut.lb", archive);
+  folder.write("BUF_1_typ.inc", archive);
+  folder.write("st.lb", bufferText);
+  const Streams here{.folder = folder.path()};
+  EXPECT_EQ(run({"convert", "dut.lb/x.ibs", "-s", "dut", "-q"}, here).err,
+            "dut.lb/x.ibs: error: Output file './dut.lb' is an input file of this run\n");
+  EXPECT_THAT(
+      run({"export", "BUF_1_typ.inc/x.ibs", "-q"}, here).err,
+      ::testing::HasSubstr("error: Output file './BUF_1_typ.inc' is the input file itself\n"));
+  EXPECT_EQ(run({"-c", "exec \"$0\" convert --no-check - -s st -q < st.lb", IBIS_PROGRAM_PATH},
+                {.program = "/bin/sh", .folder = folder.path()})
+                .err,
+            "-: error: Output file './st.lb' is an input file of this run\n");
+  EXPECT_EQ(folder.contents(),
+            (std::map<std::string, std::string>{
+                {"dut.lb", archive}, {"BUF_1_typ.inc", archive}, {"st.lb", bufferText}}));
 }
 
 TEST(ManyFiles, NoOutputReplacesAnInputOfTheRun) {

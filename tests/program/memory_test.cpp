@@ -1,5 +1,6 @@
 // Runs that may take no more than so much memory.
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <csignal>
@@ -15,6 +16,7 @@ namespace ibis::testing {
 namespace {
 
 namespace fs = std::filesystem;
+using ::testing::HasSubstr;
 using Words = std::vector<std::string>;
 
 const std::string lacksMemory = "ibis-load: error: std::bad_alloc\n";
@@ -54,17 +56,23 @@ Outcome runWithMemory(int kilobytes, const Words& words) {
 TEST(Memory, ThatEndsAmong200000ErrorsIsTold) {
   const TemporaryFolder folder;
   const std::string source = folder.write("errors.ibs", errorsText(100'000));
-  const Words commands[] = {{"convert", source, "--json", "-o", folder.file("out")},
-                            {"check", source, "--json"},
-                            {"check", source, "--sarif"},
-                            {"list", source, "--json"},
-                            {"show", source, "--json"},
-                            {"export", source, "--json", "-o", folder.file("out")}};
-  for (const Words& words : commands) {
+  const struct {
+    Words words;
+    std::string err;
+  } commands[] = {
+      {{"convert", source, "--json", "-o", folder.file("out")}, lacksMemory},
+      {{"check", source, "--json"}, ""},  // which tells of it in its output
+      {{"check", source, "--sarif"}, ""},
+      {{"list", source, "--json"}, source + ": error: std::bad_alloc\n"},
+      {{"show", source, "--json"}, lacksMemory},
+      {{"export", source, "--json", "-o", folder.file("out")}, lacksMemory},
+  };
+  for (const auto& [words, err] : commands) {
     SCOPED_TRACE(words.front() + ' ' + words.back());
     const Outcome outcome = runWithMemory(100'000, words);
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.err, lacksMemory);
+    EXPECT_EQ(outcome.err, err);
+    EXPECT_EQ(outcome.out.find("std::bad_alloc") == outcome.out.npos, err == lacksMemory);
   }
   EXPECT_FALSE(fs::exists(folder.file("out")));
 }
@@ -80,6 +88,29 @@ TEST(Memory, IsNotTakenForEachNumberThatShowPrints) {
   const Outcome outcome = runWithMemory(150'000, {"show", source, "--json"});
   EXPECT_EQ(outcome.status, 0);
   EXPECT_GT(outcome.out.size(), 100'000'000u);
+}
+
+TEST(Memory, ThatOneFileUsesUpIsThereForTheOthersOfAListOrCheck) {
+  const TemporaryFolder folder;
+  folder.write("a.ibs", errorsText(400'000));
+  folder.write("b.ibs", bufferText);
+  folder.write("c.ibs", bufferText);
+  const std::string error =
+      R"("errors":[{"id":"work-failed","line":null,"text":"std::bad_alloc"}])";
+  const Outcome listed = runWithMemory(150'000, {"list", folder.path()});
+  EXPECT_EQ(listed.status, 1);
+  EXPECT_EQ(listed.err, folder.file("a.ibs") + ": error: std::bad_alloc\n");
+  EXPECT_THAT(listed.out, HasSubstr(folder.file("c.ibs") + ": IBIS 4.2"));
+  const Outcome json = runWithMemory(150'000, {"list", folder.path(), "--json"});
+  EXPECT_THAT(json.out, HasSubstr(error + "},\n{"));
+  EXPECT_THAT(json.out, HasSubstr(folder.file("c.ibs")));
+  for (const char* form : {"--json", "--sarif"}) {
+    const Outcome checked = runWithMemory(150'000, {"check", folder.path(), form});
+    EXPECT_EQ(checked.status, 1);
+    EXPECT_THAT(checked.out, HasSubstr("std::bad_alloc"));
+    EXPECT_THAT(checked.out, HasSubstr(folder.file("c.ibs"))) << form;
+  }
+  EXPECT_THAT(runWithMemory(150'000, {"check", folder.path()}).out, HasSubstr("3 files: "));
 }
 
 TEST(Memory, ThatOneFileUsesUpIsThereForTheOthers) {
