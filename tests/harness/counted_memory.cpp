@@ -5,14 +5,7 @@
 #include <limits>
 #include <new>
 
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define IBIS_HAS_SANITIZER
-#endif
-#endif
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define IBIS_HAS_SANITIZER
-#endif
+#include "harness/sanitizer.h"
 
 namespace ibis::testing {
 namespace {
@@ -96,7 +89,7 @@ void operator delete[](void* block, std::size_t) noexcept { giveBack(block); }
 void operator delete(void* block, const std::nothrow_t&) noexcept { giveBack(block); }
 void operator delete[](void* block, const std::nothrow_t&) noexcept { giveBack(block); }
 
-#ifdef IBIS_HAS_SANITIZER
+#if IBIS_HAS_SANITIZER
 
 bool ibis::testing::canFailMalloc() { return false; }
 

@@ -262,8 +262,9 @@ TEST(TemplateEngines, AgreeOnThousandsOfRandomTemplates) {
     for (const auto& [name, text] : expansion.files) characters += text.size();
     errors += expansion.errors.size();
   }
-  // The templates say something, in the right and in the wrong way.
-  EXPECT_GT(characters, 100 * count);
+  // The templates say something, in the right and in the wrong way. Compilers differ in the order
+  // in which the words of one expression are drawn, and so in the templates.
+  EXPECT_GT(characters, 50 * count);
   EXPECT_GT(errors, std::size_t{count});
 }
 

@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <thread>
 
+#include "harness/sanitizer.h"
 #include "program/run.h"
 #include "program/texts.h"
 
@@ -199,7 +200,7 @@ Outcome runWithRoom(int blocks, const std::vector<std::string>& words) {
 }
 
 // A sanitizer takes more addresses than any limit leaves.
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#if !IBIS_HAS_SANITIZER
 TEST(Limits, AFilePaddedWithNulsTakesNoMemoryForThem) {
   const TemporaryFolder folder;
   const std::string source = folder.write("padded.ibs",

@@ -8,6 +8,7 @@
 #include <functional>
 #include <new>
 
+#include "harness/sanitizer.h"
 #include "interruption.h"
 #include "program/run.h"
 #include "program/texts.h"
@@ -37,7 +38,7 @@ TEST(Memory, WatchedOverLeavesOtherFaultsAsTheyAre) {
 }
 
 // A sanitizer takes more addresses than any limit leaves.
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#if !IBIS_HAS_SANITIZER
 
 // Pins of one character, two errors each.
 std::string errorsText(int pins) {

@@ -11,6 +11,7 @@
 #include <streambuf>
 
 #include "harness/counted_memory.h"
+#include "harness/sanitizer.h"
 #include "interruption.h"
 #include "program.h"
 #include "robustness/failing_steps.h"
@@ -62,11 +63,7 @@ struct CommandCase {
 
 // Of the allocations of a command so many fail in their turn, so that all commands take a few
 // seconds; with the variable each does, which takes minutes. A fork takes long under a sanitizer.
-#if defined(__SANITIZE_ADDRESS__)
-constexpr std::uint64_t faultCount = 20;
-#else
-constexpr std::uint64_t faultCount = 100;
-#endif
+constexpr std::uint64_t faultCount = IBIS_HAS_SANITIZER ? 20 : 100;
 const bool triesEach = std::getenv("IBIS_EVERY_FAULT") != nullptr;
 
 void PrintTo(const CommandCase& each, std::ostream* out) { *out << each.name; }

@@ -154,18 +154,18 @@ class Shown final : public Sink {
  public:
   class Target final : public SinkTarget {
    public:
-    explicit Target(Shown& sink) : sink_(sink) {}
-    bool write(std::string_view text) override {
-      sink_.text += text;
-      return !sink_.fails;
+    explicit Target(Shown& shown) : shown_(shown) {}
+    bool write(std::string_view words) override {
+      shown_.text += words;
+      return !shown_.fails;
     }
     bool close() override {
-      ++sink_.closed;
+      ++shown_.closed;
       return true;
     }
 
    private:
-    Shown& sink_;
+    Shown& shown_;
   };
 
   std::unique_ptr<SinkTarget> open(const std::string&) override {
