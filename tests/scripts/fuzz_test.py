@@ -81,16 +81,26 @@ class FuzzTest(unittest.TestCase):
                              (2, "fuzz: no target is called row\n"))
         self.assertFalse((self.folder / "kept").exists())
 
-    def test_each_target_gets_the_seconds_one_after_the_other(self):
+    def test_each_target_gets_the_seconds(self):
         outcome = self.run_fuzz("5")
+        rows = ("pieces                     56       12       34  clean\n"
+                "rows                       56       12       34  clean\n")
         self.assertEqual(outcome.stderr, "")
-        self.assertEqual(outcome.stdout, "fuzzing pieces for 5 s\nfuzzing rows for 5 s\n\n" + HEAD +
-                         "pieces                     56       12       34  clean\n"
-                         "rows                       56       12       34  clean\n")
+        begin, table = outcome.stdout.split("\n\n", 1)
+        self.assertEqual(sorted(begin.split("\n")),
+                         ["fuzzing pieces for 5 s", "fuzzing rows for 5 s"])
+        self.assertEqual(table, f"this run:\n{HEAD}{rows}\nall runs:\n{HEAD}{rows}")
         self.assertEqual(self.called("rows"),
-                         "-max_total_time=5 -timeout=10 -rss_limit_mb=2048 -entropic=0 "
-                         "-reload=0 -print_final_stats=1 -artifact_prefix=build/fuzz/findings/rows/ build/fuzz/corpus/rows "
-                         "-max_len=9 seeds of it\n")
+                         "-max_total_time=5 -timeout=10 -rss_limit_mb=2048 -entropic=0 -reload=0 "
+                         "-print_final_stats=1 -artifact_prefix=build/fuzz/findings/rows/ "
+                         "build/fuzz/corpus/rows -max_len=9 seeds of it\n")
+
+    def test_a_finding_fails_though_the_targets_behind_it_are_fuzzed(self):
+        self.write_target("pieces", status=77)
+        outcome = self.run_fuzz("5")
+        self.assertEqual(outcome.returncode, 1)
+        self.assertIn("pieces                     56       12       34  FOUND\n"
+                      "rows                       56       12       34  clean\n", outcome.stdout)
 
     def test_a_corpus_is_kept_where_it_is_told_from_the_folder_of_the_call(self):
         self.assertEqual(self.run_fuzz("--corpus", "kept", "--hours", "1", "rows").returncode, 0)
