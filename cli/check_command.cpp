@@ -17,6 +17,7 @@
 #include "exit_status.h"
 #include "input_text.h"
 #include "messages.h"
+#include "print_alone.h"
 #include "reader/text/text_buffer.h"
 #include "rule_selection.h"
 #include "source_fault.h"
@@ -124,12 +125,16 @@ std::vector<std::string> namesOf(const std::vector<Source>& sources) {
 template <class Print>
 int checkAll(const std::vector<Source>& sources, const RuleSelection& selection,
              CheckTotals& totals, Print print) {
+  bool isTold = true;
   for (const Source& source : sources) {
     const CheckedFile file = checkFileAlone(source, selection);
-    totals.add(file);
-    print(file);
+    const auto tellOfFile = [&] {
+      totals.add(file);
+      print(file);
+    };
+    isTold = printAlone(source.name, tellOfFile) && isTold;
   }
-  return totals.hasErrors() ? exitStatus::failed : exitStatus::done;
+  return totals.hasErrors() || !isTold ? exitStatus::failed : exitStatus::done;
 }
 
 }  // namespace

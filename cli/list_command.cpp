@@ -9,6 +9,7 @@
 #include "exit_status.h"
 #include "list_report.h"
 #include "messages.h"
+#include "print_alone.h"
 #include "record_json.h"
 #include "report.h"
 #include "source_list.h"
@@ -75,20 +76,9 @@ class Listing {
   Listing(const ListOptions& options, bool isArray) : options_(options), isArray_(isArray) {}
 
   void add(const Source& source) {
-    const Listed listed = readSource(source);
-    const TolerantReading& reading = listed.reading;
-    if (!reading.errors.empty()) status_ = exitStatus::failed;
-    printMessages(std::cerr, source.name, reading.errors, options_.messages.count());
-    if (options_.asJson) {
-      std::cout << (isArray_ ? isFirst_ ? "[" : ",\n" : "");
-      printFileJson(std::cout, source.name, listed);
-    } else if (listed.summary && reading.errors.empty()) {
-      std::cout << (isFirst_ ? "" : "\n")
-                << listText(source.name, reading, *listed.summary, options_.messages.count());
-    } else {
-      return;
+    if (!printAlone(source.name, [&] { print(source, readSource(source)); })) {
+      status_ = exitStatus::failed;
     }
-    isFirst_ = false;
   }
 
   int finish() const {
@@ -97,6 +87,26 @@ class Listing {
   }
 
  private:
+  void print(const Source& source, const Listed& listed) {
+    const TolerantReading& reading = listed.reading;
+    if (!reading.errors.empty()) status_ = exitStatus::failed;
+    printMessages(std::cerr, source.name, reading.errors, options_.messages.count());
+    if (options_.asJson) {
+      separate("[", ",\n");
+      printFileJson(std::cout, source.name, listed);
+    } else if (listed.summary && reading.errors.empty()) {
+      const std::string text =
+          listText(source.name, reading, *listed.summary, options_.messages.count());
+      separate("", "\n");
+      std::cout << text;
+    }
+  }
+
+  void separate(const char* first, const char* next) {
+    if (isArray_ || !options_.asJson) std::cout << (isFirst_ ? first : next);
+    isFirst_ = false;
+  }
+
   const ListOptions& options_;
   bool isArray_;
   bool isFirst_ = true;

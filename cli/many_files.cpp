@@ -3,11 +3,10 @@
 #include <algorithm>
 #include <iostream>
 #include <memory>
-#include <new>
 
 #include "conversion_queue.h"
 #include "exit_status.h"
-#include "printable.h"
+#include "print_alone.h"
 #include "progress.h"
 #include "report.h"
 #include "result_table.h"
@@ -26,12 +25,8 @@ class RunningReport {
 
   // A result too large to be printed is its own file's fault.
   void add(const Source& source, const Conversion& conversion, Progress& progress) {
-    try {
-      print(source, conversion, progress);
-    } catch (const std::bad_alloc&) {
+    if (!printAlone(source.name, [&] { print(source, conversion, progress); })) {
       status_ = exitStatus::failed;
-      std::cerr << printable(source.name) +
-                       ": error: out of memory while its messages were printed\n";
     }
   }
 

@@ -2,6 +2,8 @@
 
 #include <fcntl.h>
 #include <spawn.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -74,15 +76,19 @@ class FileActions {
   posix_spawn_file_actions_t actions_;
 };
 
-// The program's own threads block the signals that end it; a started process is not to.
+// The program's own threads block the signals that end it, and it passes over those that a full
+// pipe or a limit sends; a started process is to do neither.
 class UsualSignals {
  public:
   UsualSignals() {
     sigset_t none;
     sigemptyset(&none);
+    sigset_t passedOver = none;
+    for (const int signal : {SIGPIPE, SIGXCPU, SIGXFSZ}) sigaddset(&passedOver, signal);
     posix_spawnattr_init(&attributes_);
     posix_spawnattr_setsigmask(&attributes_, &none);
-    posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGMASK);
+    posix_spawnattr_setsigdefault(&attributes_, &passedOver);
+    posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
   }
   ~UsualSignals() { posix_spawnattr_destroy(&attributes_); }
   UsualSignals(const UsualSignals&) = delete;
@@ -94,14 +100,37 @@ class UsualSignals {
   posix_spawnattr_t attributes_;
 };
 
-void runProgram(std::initializer_list<std::string> words, const std::string& log) {
+// What one run may take. A table of voltages of the largest models takes a few megabytes.
+void limitRun(pid_t child, unsigned seconds) {
+  constexpr rlim_t mostBytes = 256 << 20;
+  const rlimit time{seconds, rlim_t{seconds} + 1};
+  const rlimit size{mostBytes, mostBytes};
+  const rlimit core{0, 0};
+  prlimit(child, RLIMIT_CPU, &time, nullptr);
+  prlimit(child, RLIMIT_FSIZE, &size, nullptr);
+  prlimit(child, RLIMIT_CORE, &core, nullptr);
+}
+
+void requireOwnEnd(int status, unsigned seconds) {
+  if (!WIFSIGNALED(status)) return;
+  const int signal = WTERMSIG(status);
+  if (signal == SIGXCPU) {
+    throw SimulatorFault("it took more than " + std::to_string(seconds) +
+                         " s of processor time; --max-time gives more");
+  }
+  if (signal == SIGXFSZ) throw SimulatorFault("it wrote more than 256 MB");
+  throw SimulatorFault(std::string("a signal ended it: ") + strsignal(signal));
+}
+
+void runProgram(std::initializer_list<std::string> words, const std::string& log,
+                unsigned seconds) {
   std::vector<std::string> texts(words);
   std::vector<char*> arguments;
   for (std::string& text : texts) arguments.push_back(text.data());
   arguments.push_back(nullptr);
   const FileActions actions(log);
   const UsualSignals signals;
-  waitForWatched(startWatched([&] {
+  const pid_t running = startWatched([&] {
     pid_t child = 0;
     const int fault =
         posix_spawnp(&child, programName, actions.get(), signals.get(), arguments.data(), environ);
@@ -109,7 +138,9 @@ void runProgram(std::initializer_list<std::string> words, const std::string& log
       throw SimulatorFault(std::string("cannot start ngspice: ") + std::strerror(fault));
     }
     return child;
-  }));
+  });
+  limitRun(running, seconds);
+  requireOwnEnd(waitForWatched(running), seconds);
 }
 
 // The first line of a log that tells why a run is not complete, or nothing.
@@ -139,20 +170,21 @@ TemporaryFolder::~TemporaryFolder() {
 }
 
 void requireNgspice() {
+  constexpr unsigned seconds = 10;
   const TemporaryFolder folder;
   try {
-    runProgram({programName, "-v"}, folder.path() + "/log");
+    runProgram({programName, "-v"}, folder.path() + "/log", seconds);
   } catch (const SimulatorFault& fault) {
     throw SimulatorFault(std::string(fault.what()) + "; it must be on the PATH");
   }
 }
 
-RawPlot runNgspice(const TemporaryFolder& folder, const std::string& deck) {
+RawPlot runNgspice(const TemporaryFolder& folder, const std::string& deck, unsigned seconds) {
   const std::string base = folder.path() + "/run";
   writeAll(base + ".cir", deck);
   std::error_code ignored;
   std::filesystem::remove(base + ".raw", ignored);
-  runProgram({programName, "-n", "-b", "-r", base + ".raw", base + ".cir"}, base + ".log");
+  runProgram({programName, "-n", "-b", "-r", base + ".raw", base + ".cir"}, base + ".log", seconds);
   if (const std::string fault = faultIn(readAll(base + ".log")); !fault.empty()) {
     throw SimulatorFault(fault);
   }

@@ -27,6 +27,10 @@ class TemporaryFolder {
   std::string path_;
 };
 
+/// Processor time of a run, at most, unless a user says otherwise. The runs of real models take
+/// less than half a second.
+inline constexpr unsigned usualRunSeconds = 60;
+
 /// Raises SimulatorFault unless ngspice is on the PATH.
 void requireNgspice();
 
@@ -34,7 +38,8 @@ void requireNgspice();
 ///
 /// The program is run, not its library: a deck that kills the simulator kills no caller, and runs
 /// go side by side. Its exit status does not tell whether a run was complete, so its log is looked
-/// through for what stops one.
-RawPlot runNgspice(const TemporaryFolder& folder, const std::string& deck);
+/// through for what stops one. A run that takes more processor time than `seconds` is ended.
+RawPlot runNgspice(const TemporaryFolder& folder, const std::string& deck,
+                   unsigned seconds = usualRunSeconds);
 
 }  // namespace ibis::cli

@@ -42,7 +42,6 @@ Examples:
 
 constexpr double perCent = 100.0;
 constexpr double dcLimit = 1e-3;  // volts
-constexpr std::string_view fineOptions = ".options reltol=1e-4 trtol=1";
 
 struct Task {
   const IBISModel* model;
@@ -69,9 +68,10 @@ std::vector<ModelResult> runTasks(const std::vector<Task>& tasks, const VerifyOp
   std::mutex mutex;
   std::size_t done = 0;
   Progress progress(tasks.size(), !options.asJson);
+  RunOptions runOptions{.seconds = options.seconds};
+  if (options.isCoarse) runOptions.line = dialectTable().front().options;
   const auto run = [&](std::size_t i) {
-    results[i] = verifyModel(*tasks[i].model, tasks[i].corner,
-                             options.isCoarse ? dialectTable().front().options : fineOptions);
+    results[i] = verifyModel(*tasks[i].model, tasks[i].corner, runOptions);
     const std::scoped_lock lock(mutex);
     progress.show(++done, results[i].model);
   };
@@ -222,6 +222,11 @@ CLI::App* addVerifyCommand(CLI::App& program, VerifyOptions& options) {
       ->type_name("N")
       ->check(CLI::Range(0, 1024))
       ->capture_default_str();
+  command->add_option("--max-time", options.seconds, "Processor time of a run, at most, in seconds")
+      ->type_name("SECONDS")
+      ->check(CLI::Range(1, 1'000'000))
+      ->capture_default_str();
+  addMessageLimit(*command, options.messages);
   command->add_flag("--coarse", options.isCoarse,
                     "With the options that an export recommends, not with finer ones");
   command->add_flag("--json", options.asJson, "Report as JSON on standard output");
@@ -239,6 +244,7 @@ int runVerify(const VerifyOptions& options) {
   const ExportSource source = readForExport(options.source, {});
   if (source.refusal) return refuse(options.source, *source.refusal);
   const IBISFileData& data = source.document->file();
+  printMessages(std::cerr, options.source, data.warnings, options.messages.count());
   std::vector<std::string> unknown;
   const auto models = devicesNamed(data, options.models, unknown);
   for (const std::string& name : unknown) {

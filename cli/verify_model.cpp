@@ -96,7 +96,7 @@ const std::vector<double>& voltageOf(const RawPlot& plot, std::size_t run) {
 }
 
 void runEdges(ModelResult& result, const DeviceNetlist& netlist, const IBISModel& model,
-              std::string_view options, const TemporaryFolder& folder) {
+              const RunOptions& options, const TemporaryFolder& folder) {
   std::vector<Reference> references;
   addReferences(references, model, netlist, Edge::rising, result.corner);
   addReferences(references, model, netlist, Edge::falling, result.corner);
@@ -111,9 +111,10 @@ void runEdges(ModelResult& result, const DeviceNetlist& netlist, const IBISModel
     runs.push_back({Edge::falling, {}});
   }
   const BenchTimes times = benchTimes(netlist, last);
-  const RawPlot plot = runNgspice(folder, textOf([&](NetlistWriter& writer) {
-                                    writeFixtureBench(writer, netlist, runs, times, options);
-                                  }));
+  const std::string deck = textOf([&](NetlistWriter& writer) {
+    writeFixtureBench(writer, netlist, runs, times, options.line);
+  });
+  const RawPlot plot = runNgspice(folder, deck, options.seconds);
   checkEnd(plot, times);
   for (std::size_t i = 0; i < references.size(); ++i) {
     WaveformResult& each = references[i].result;
@@ -137,10 +138,12 @@ std::vector<StaticRun> staticRuns(const Device& device) {
   return runs;
 }
 
-void runLevels(ModelResult& result, const DeviceNetlist& netlist, const TemporaryFolder& folder) {
+void runLevels(ModelResult& result, const DeviceNetlist& netlist, const RunOptions& options,
+               const TemporaryFolder& folder) {
   const std::vector<StaticRun> runs = staticRuns(netlist.device);
-  const RawPlot plot = runNgspice(
-      folder, textOf([&](NetlistWriter& writer) { writeStaticBench(writer, netlist, runs); }));
+  const std::string deck =
+      textOf([&](NetlistWriter& writer) { writeStaticBench(writer, netlist, runs); });
+  const RawPlot plot = runNgspice(folder, deck, options.seconds);
   for (std::size_t i = 0; i < runs.size(); ++i) {
     const double level = voltageOf(plot, i).front();
     const Coefficients k = settled(netlist.device.driver, runs[i].isHigh);
@@ -151,7 +154,7 @@ void runLevels(ModelResult& result, const DeviceNetlist& netlist, const Temporar
 
 }  // namespace
 
-ModelResult verifyModel(const IBISModel& model, int corner, std::string_view options) {
+ModelResult verifyModel(const IBISModel& model, int corner, const RunOptions& options) {
   ModelResult result;
   result.model = model.name.str();
   result.corner = corner;
@@ -169,7 +172,7 @@ ModelResult verifyModel(const IBISModel& model, int corner, std::string_view opt
     if (netlist.device.driver != DriverKind::none) {
       runEdges(result, netlist, model, options, folder);
     }
-    runLevels(result, netlist, folder);
+    runLevels(result, netlist, options, folder);
   } catch (const SimulatorFault& fault) {
     result.fault = fault.what();
   }

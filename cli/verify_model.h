@@ -1,9 +1,11 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "ibis/model.h"
+#include "ngspice.h"
 #include "simulator/device_netlist.h"
 
 namespace ibis::cli {
@@ -33,11 +35,17 @@ struct ModelResult {
   Findings findings;
 };
 
+/// How the simulator runs.
+struct RunOptions {
+  std::string_view line = ".options reltol=1e-4 trtol=1";
+  unsigned seconds = usualRunSeconds;  ///< Processor time, at most.
+};
+
 /// Exports a model, runs it in the simulator and compares it with the file's own data.
 ///
 /// Each waveform's fixture hangs on a driver of its own, and each rail hangs on the settled device
 /// through 50 ohm. The references are the file's points and the operating points of the load line.
-ModelResult verifyModel(const IBISModel& model, int corner, std::string_view options);
+ModelResult verifyModel(const IBISModel& model, int corner, const RunOptions& options);
 
 /// The word of an edge.
 std::string_view edgeText(Edge edge);

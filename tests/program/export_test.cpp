@@ -367,6 +367,7 @@ TEST(ExportCommand, WrongUseEndsInStatusTwoAndSaysWhy) {
       {{"verify"}, "FILE is required"},
       {{"verify", "a.ibs", "--limit", "0"}, "--limit: '0' is not a number above 0"},
       {{"verify", "a.ibs", "--limit", "much"}, "--limit: 'much' is not a number above 0"},
+      {{"verify", "a.ibs", "--max-time", "0"}, "--max-time: Value 0 not in range 1 to 1000000"},
       {{"verify", "a.ibs", "-j", "1025"}, "--jobs: Value 1025 not in range 0 to 1024"},
       {{"verify", "a.ibs", "-j", "two"}, "--jobs: Value two not in range 0 to 1024"},
       {{"verify", "a.ibs", "--corner", "slow"}, "--corner: slow not in {typ,min,max}"},
@@ -499,6 +500,45 @@ TEST(VerifyCommand, ShowsNamesAndLogsAsPlainText) {
   const Outcome result = run({"verify", "a.ibs"}, {.folder = folder.path()});
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(result.out, HasSubstr("m\\x1B  typ  run not complete: Error: \\x1B[2J\n"));
+}
+
+TEST(VerifyCommand, EndsASimulatorThatTakesTooMuch) {
+  const TemporaryFolder folder;
+  const struct {
+    const char* lines;
+    const char* reason;
+  } cases[] = {
+      {"while :; do :; done", "it took more than 1 s of processor time; --max-time gives more"},
+      {"head -c 300000000 /dev/zero; exec head -c 300000000 /dev/zero",
+       "it wrote more than 256 MB"},
+      {"kill -SEGV $$", "a signal ended it: Segmentation fault"},
+  };
+  for (const auto& [lines, reason] : cases) {
+    const TemporaryFolder tools;
+    writeSimulator(tools, lines);
+    const SearchPath path(tools.path() + ":/usr/bin:/bin");
+    const Outcome result = run({"verify", example, "--model", "ex_in", "--max-time", "1"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out,
+              "model  corner waveform   error %     DC V   time s  made from\n"
+              "ex_in  typ  run not complete: " +
+                  std::string(reason) + "\n");
+  }
+}
+
+TEST(VerifyCommand, TellsWhatTheFileLeavesOut) {
+  const TemporaryFolder tools;
+  writeSimulator(tools, "exit 0");
+  const SearchPath path(tools.path() + ":/usr/bin:/bin");
+  const TemporaryFolder folder;
+  folder.write("a.ibs",
+               "[IBIS Ver] 4.2\n[Component] C\n[Manufacturer] M\n[Pin] s m\n1 A m\n"
+               "[Model] m\nModel_type Input\nVinl = 0.8\nVinh = 2\n[Model] n\n"
+               "Model_type Outptu\n[End]\n");
+  const Outcome result = run({"verify", "a.ibs"}, {.folder = folder.path()});
+  EXPECT_EQ(result.err,
+            "a.ibs:11: warning: Model type 'unknown' not currently supported\n"
+            "a.ibs:10: warning: Model 'n' type is unknown\n");
 }
 
 TEST(VerifyCommand, TakesItsSimulatorAndFolderWithItWhenASignalEndsIt) {

@@ -203,8 +203,8 @@ TEST(Usage, TheHelpOfVerifyTellsOfEachOptionAndStatus) {
   EXPECT_EQ(result.status, 0);
   for (const std::string text :
        {"Usage: ibis-load verify [OPTIONS] FILE\n", "\n  --model NAME ...", "\n  --corner CORNER",
-        "\n  --limit PERCENT", "\n  -j,--jobs N", "\n  --coarse ", "\n  --json ",
-        "\nExit status: 0 all within the limit", "\nExamples:\n"}) {
+        "\n  --limit PERCENT", "\n  -j,--jobs N", "\n  --max-time SECONDS", "\n  --max-messages N",
+        "\n  --coarse ", "\n  --json ", "\nExit status: 0 all within the limit", "\nExamples:\n"}) {
     EXPECT_THAT(result.out, HasSubstr(text));
   }
 }

@@ -231,6 +231,39 @@ TEST_P(Commands, DoAsAlwaysOrTellOfAFileThatFails) {
   EXPECT_EQ(steps > 0, GetParam().readsFiles);
 }
 
+// Commands over many files, of which each has its own part of the output.
+class CommandsOverFiles : public Commands {};
+
+// Memory that lacks once ends a run before the first file or behind the last, or costs one file.
+TEST_P(CommandsOverFiles, LoseOneFileWhereMemoryLacksOnce) {
+  const Ended whole = runWithoutMemory(1'000'000'000);
+  const std::uint64_t stride = triesEach ? 1 : whole.allocations / (4 * faultCount) + 1;
+  std::string order;  // of what came of the runs: e for one that ended, f for one that lost a file
+  for (std::uint64_t successes = 0;; successes += stride) {
+    const Ended run = runWithoutMemory(successes);
+    if (!run.hasFailed) break;
+    const std::string text = run.out + run.err;
+    const bool isEnded = text.find("ibis-load: error: std::bad_alloc") != text.npos;
+    const bool isLost = text.find(".ibs: error: std::bad_alloc") != text.npos;
+    if (!isEnded && !isLost) continue;
+    const char outcome = isEnded ? 'e' : 'f';
+    if (order.empty() || order.back() != outcome) order += outcome;
+    if (!isLost) continue;
+    SCOPED_TRACE("allocation " + std::to_string(successes));
+    EXPECT_TRUE(text.find("/a.ibs") != text.npos && text.find("/c.ibs") != text.npos) << text;
+  }
+  EXPECT_THAT(order, ::testing::AnyOf("ef", "efe"));
+}
+
+const CommandCase casesOverFiles[] = {
+    {"List", {"list", "FOLDER"}},
+    {"Check", {"check", "FOLDER", "-Wall"}},
+    {"Convert", {"convert", "FOLDER", "-o", "OUT"}},
+};
+
+INSTANTIATE_TEST_SUITE_P(All, CommandsOverFiles, ::testing::ValuesIn(casesOverFiles),
+                         [](const auto& each) { return std::string(each.param.name); });
+
 INSTANTIATE_TEST_SUITE_P(All, Commands, ::testing::ValuesIn(commandCases),
                          [](const auto& each) { return std::string(each.param.name); });
 

@@ -269,8 +269,7 @@ TEST(Verify, EveryExampleRunsAtEveryCorner) {
     ASSERT_FALSE(source.refusal);
     for (const IBISModel* model : devicesOf(source.document->file())) {
       for (const std::string& word : cornerWords()) {
-        const ModelResult result =
-            verifyModel(*model, cornerIndex(word), ".options reltol=1e-4 trtol=1");
+        const ModelResult result = verifyModel(*model, cornerIndex(word), {});
         EXPECT_EQ(result.fault, "") << name << ' ' << result.model << ' ' << word;
         EXPECT_LT(result.dcError, 1e-5) << name << ' ' << result.model << ' ' << word;
       }

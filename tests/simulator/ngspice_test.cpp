@@ -15,7 +15,6 @@
 namespace ibis::cli {
 namespace {
 
-constexpr std::string_view fineOptions = ".options reltol=1e-4 trtol=1";
 constexpr double supply = 3.0;
 
 template <class Write>
@@ -100,7 +99,7 @@ std::vector<IBISWaveform> simulated(const DeviceNetlist& netlist, Edge edge,
 }
 
 double largestError(const IBISModel& model) {
-  const ModelResult result = verifyModel(model, corner::typ, fineOptions);
+  const ModelResult result = verifyModel(model, corner::typ, {});
   EXPECT_EQ(result.fault, "");
   EXPECT_LT(result.dcError, 1e-5);
   double largest = 0.0;
