@@ -6,33 +6,28 @@
 namespace ibis::cli {
 namespace {
 
-using nlohmann::ordered_json;
-
-ordered_json countsOf(const CheckedFile& file) {
-  ordered_json counts = ordered_json::object();
-  counts["error"] = file.count(Severity::error);
-  counts["warning"] = file.count(Severity::warning);
-  counts["note"] = file.count(Severity::note);
-  return counts;
+void printNumber(JsonObject& object, const char* name, std::int32_t number) {
+  printLineNumber(object.begin(name), number);
 }
 
-ordered_json positive(std::int32_t number) {
-  return number > 0 ? ordered_json(number) : ordered_json();
+void printFinding(std::ostream& out, const Diagnostic& each) {
+  JsonObject object(out);
+  object.add("id", each.id);
+  object.add("severity", checks::severityWord(each.severity));
+  printNumber(object, "line", each.line);
+  printNumber(object, "column", each.column);
+  printNumber(object, "length", each.length);
+  object.add("text", each.text);
+  printNotes(object.begin("notes"), each.notes);
+  object.finish();
 }
 
-ordered_json findingJson(const Diagnostic& each) {
-  ordered_json item = ordered_json::object();
-  item["id"] = each.id;
-  item["severity"] = checks::severityWord(each.severity);
-  item["line"] = positive(each.line);
-  item["column"] = positive(each.column);
-  item["length"] = positive(each.length);
-  item["text"] = each.text;
-  item["notes"] = ordered_json::array();
-  for (const Note& note : each.notes) {
-    item["notes"].push_back({{"line", positive(note.line)}, {"text", note.text}});
+void printCounts(std::ostream& out, const CheckedFile& file) {
+  JsonObject counts(out);
+  for (const Severity severity : {Severity::error, Severity::warning, Severity::note}) {
+    counts.add(checks::severityWord(severity), file.count(severity));
   }
-  return item;
+  counts.finish();
 }
 
 }  // namespace
@@ -40,12 +35,12 @@ ordered_json findingJson(const Diagnostic& each) {
 void CheckJson::add(const CheckedFile& file) {
   if (isArray_) out_ << (isFirst_ ? "[" : ",\n");
   isFirst_ = false;
-  out_ << "{\"file\":";
-  printJsonText(out_, file.name);
-  out_ << ",\"diagnostics\":";
-  printArray(out_, file.diagnostics,
-             [&](const Diagnostic& each) { out_ << jsonText(findingJson(each)); });
-  out_ << ",\"counts\":" << jsonText(countsOf(file)) << '}';
+  JsonObject object(out_);
+  object.add("file", file.name);
+  printArray(object.begin("diagnostics"), file.diagnostics,
+             [&](const Diagnostic& each) { printFinding(out_, each); });
+  printCounts(object.begin("counts"), file);
+  object.finish();
 }
 
 void CheckJson::finish() {

@@ -12,8 +12,6 @@
 namespace ibis::cli {
 namespace {
 
-using nlohmann::ordered_json;
-
 // A path as a reference of a URI: all but plain characters are escaped.
 std::string uriOf(std::string_view path) {
   std::string uri = path.starts_with('/') ? "file://" : "";
@@ -33,74 +31,99 @@ std::string uriOf(std::string_view path) {
   return uri;
 }
 
-ordered_json sarifText(std::string_view text) { return {{"text", text}}; }
+void printText(std::ostream& out, std::string_view text) {
+  JsonObject object(out);
+  object.add("text", text);
+  object.finish();
+}
 
-ordered_json sarifRule(const checks::RuleRow& row) {
-  ordered_json rule = ordered_json::object();
-  rule["id"] = row.id;
-  rule["shortDescription"] = sarifText(row.fires);
-  rule["fullDescription"] =
-      sarifText(std::string(row.fires) + " Basis: " + std::string(row.clause) + ".");
-  if (!row.remedy.empty()) rule["help"] = sarifText(row.remedy);
-  rule["defaultConfiguration"] = {{"level", checks::severityWord(row.severity)}};
-  rule["properties"] = {{"tags", ordered_json::array({row.group()})}};
-  return rule;
+void printRule(std::ostream& out, const checks::RuleRow& row) {
+  JsonObject rule(out);
+  rule.add("id", row.id);
+  printText(rule.begin("shortDescription"), row.fires);
+  printText(rule.begin("fullDescription"),
+            std::string(row.fires) + " Basis: " + std::string(row.clause) + ".");
+  if (!row.remedy.empty()) printText(rule.begin("help"), row.remedy);
+  JsonObject configuration(rule.begin("defaultConfiguration"));
+  configuration.add("level", checks::severityWord(row.severity));
+  configuration.finish();
+  JsonObject properties(rule.begin("properties"));
+  properties.begin("tags") << '[' << jsonText(nlohmann::json(row.group())) << ']';
+  properties.finish();
+  rule.finish();
 }
 
 // Characters of a line count in SARIF, bytes do here.
-ordered_json regionOf(const Diagnostic& each, std::string_view line) {
-  ordered_json region = ordered_json::object();
-  region["startLine"] = each.line;
-  if (each.column < 1) return region;
-  const auto begin = std::min(static_cast<std::size_t>(each.column) - 1, line.size());
-  const std::size_t start = columnsOf(line.substr(0, begin)) + 1;
-  region["startColumn"] = start;
-  if (each.length > 0) {
-    region["endColumn"] =
-        start + std::max<std::size_t>(
-                    1, columnsOf(line.substr(begin, static_cast<std::size_t>(each.length))));
+void printRegion(std::ostream& out, const Diagnostic& each, std::string_view line) {
+  JsonObject region(out);
+  region.add("startLine", each.line);
+  if (each.column > 0) {
+    const auto begin = std::min(static_cast<std::size_t>(each.column) - 1, line.size());
+    const std::size_t start = columnsOf(line.substr(0, begin)) + 1;
+    region.add("startColumn", start);
+    if (each.length > 0) {
+      const std::string_view word = line.substr(begin, static_cast<std::size_t>(each.length));
+      region.add("endColumn", start + std::max<std::size_t>(1, columnsOf(word)));
+    }
   }
-  return region;
+  region.finish();
 }
 
-// A place in a file; of the whole file where the region is null.
-ordered_json sarifLocation(const std::string& uri, ordered_json region) {
-  ordered_json place = {{"artifactLocation", {{"uri", uri}}}};
-  if (!region.is_null()) place["region"] = std::move(region);
-  ordered_json location = ordered_json::object();
-  location["physicalLocation"] = std::move(place);
-  return location;
+// A place in a file; of the whole file for a line of 0.
+template <class Print>
+void printPlace(std::ostream& out, const std::string& uri, std::int32_t line, Print printRegion) {
+  JsonObject place(out);
+  JsonObject artifact(place.begin("artifactLocation"));
+  artifact.add("uri", uri);
+  artifact.finish();
+  if (line > 0) printRegion(place.begin("region"));
+  place.finish();
 }
 
-ordered_json sarifResult(const CheckedFile& file, const TextLines& lines, const Diagnostic& each) {
+void printFinding(std::ostream& out, const std::string& uri, const TextLines& lines,
+                  const Diagnostic& each) {
+  JsonObject location(out);
+  printPlace(location.begin("physicalLocation"), uri, each.line,
+             [&](std::ostream& to) { printRegion(to, each, lines.at(each.line)); });
+  location.finish();
+}
+
+void printNote(std::ostream& out, const std::string& uri, const Note& note) {
+  JsonObject location(out);
+  printPlace(location.begin("physicalLocation"), uri, note.line, [&](std::ostream& to) {
+    JsonObject region(to);
+    region.add("startLine", note.line);
+    region.finish();
+  });
+  printText(location.begin("message"), note.text);
+  location.finish();
+}
+
+void printResult(std::ostream& out, const CheckedFile& file, const TextLines& lines,
+                 const Diagnostic& each) {
   const std::string uri = uriOf(file.name);
-  ordered_json result = ordered_json::object();
-  result["ruleId"] = each.id;
+  JsonObject result(out);
+  result.add("ruleId", each.id);
   if (const auto rule = checks::findRule(each.id)) {
-    result["ruleIndex"] = static_cast<std::size_t>(*rule);
+    result.add("ruleIndex", static_cast<std::size_t>(*rule));
   }
-  result["level"] = checks::severityWord(each.severity);
-  result["message"] = sarifText(each.text);
-  ordered_json region = each.line > 0 ? regionOf(each, lines.at(each.line)) : ordered_json();
-  result["locations"] = ordered_json::array({sarifLocation(uri, std::move(region))});
-  ordered_json related = ordered_json::array();
-  for (const Note& note : each.notes) {
-    const bool hasLine = note.line > 0;
-    ordered_json other =
-        sarifLocation(uri, hasLine ? ordered_json{{"startLine", note.line}} : ordered_json());
-    other["message"] = sarifText(note.text);
-    related.push_back(std::move(other));
+  result.add("level", checks::severityWord(each.severity));
+  printText(result.begin("message"), each.text);
+  result.begin("locations") << '[';
+  printFinding(out, uri, lines, each);
+  out << ']';
+  if (!each.notes.empty()) {
+    printArray(result.begin("relatedLocations"), each.notes,
+               [&](const Note& note) { printNote(out, uri, note); });
   }
-  if (!related.empty()) result["relatedLocations"] = std::move(related);
-  return result;
+  result.finish();
 }
 
 void printDriver(std::ostream& out) {
   JsonObject driver(out);
   driver.add("name", "ibis-load");
   driver.add("version", IBIS_LOAD_VERSION);
-  const std::span<const checks::RuleRow> rows = checks::ruleTable();
-  driver.addArray("rules", std::vector(rows.begin(), rows.end()), sarifRule);
+  driver.addArray("rules", checks::ruleTable(), printRule);
   driver.finish();
 }
 
@@ -122,8 +145,9 @@ CheckSarif::CheckSarif(std::ostream& out, const std::vector<std::string>& names)
 void CheckSarif::add(const CheckedFile& file) {
   const TextLines lines(file.text);
   for (const Diagnostic& each : file.diagnostics) {
-    out_ << (isFirst_ ? "" : ",") << jsonText(sarifResult(file, lines, each));
+    if (!isFirst_) out_ << ',';
     isFirst_ = false;
+    printResult(out_, file, lines, each);
   }
 }
 

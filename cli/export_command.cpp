@@ -135,8 +135,12 @@ Json toJson(const ExportedSubcircuit& each) {
   return object;
 }
 
-Json diagnosticJson(const Diagnostic& each) {
-  return {{"id", each.id}, {"line", each.line > 0 ? Json(each.line) : Json()}, {"text", each.text}};
+void printDiagnosticLine(std::ostream& out, const Diagnostic& each) {
+  JsonObject object(out);
+  object.add("id", each.id);
+  printLineNumber(object.begin("line"), each.line);
+  object.add("text", each.text);
+  object.finish();
 }
 
 void printJson(const Export& result, int status) {
@@ -144,9 +148,9 @@ void printJson(const Export& result, int status) {
   object.add("status", status);
   object.add("files", result.files);
   object.addArray("subcircuits", result.subcircuits,
-                  [](const ExportedSubcircuit& each) { return toJson(each); });
-  object.addArray("warnings", result.warnings, diagnosticJson);
-  object.addArray("errors", result.errors, diagnosticJson);
+                  [](std::ostream& out, const auto& each) { out << jsonText(toJson(each)); });
+  object.addArray("warnings", result.warnings, printDiagnosticLine);
+  object.addArray("errors", result.errors, printDiagnosticLine);
   object.finish();
   std::cout << '\n';
 }

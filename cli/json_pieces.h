@@ -11,11 +11,11 @@
 namespace ibis::cli {
 
 /// Prints a JSON array element by element, so that it never stands in memory as a whole.
-template <class Element, class Print>
-void printArray(std::ostream& out, const std::vector<Element>& list, Print print) {
+template <class List, class Print>
+void printArray(std::ostream& out, const List& list, Print print) {
   out << '[';
   bool isFirst = true;
-  for (const Element& each : list) {
+  for (const auto& each : list) {
     if (!isFirst) out << ',';
     isFirst = false;
     print(each);
@@ -58,20 +58,19 @@ class JsonObject {
     begin(name) << jsonText(value);
   }
 
-  /// Each member of an object.
-  void addMembers(const nlohmann::ordered_json& object) {
-    for (const auto& [name, value] : object.items()) add(name, value);
+  /// An array; each element is for the caller to print.
+  template <class List, class Print>
+  void addArray(std::string_view name, const List& list, Print print) {
+    printArray(begin(name), list, [&](const auto& each) { print(out_, each); });
   }
 
-  /// An array of what a function makes of each element.
-  template <class Element, class ToJson>
-  void addArray(std::string_view name, const std::vector<Element>& list, ToJson toJson) {
-    printArray(begin(name), list, [&](const Element& each) {
-      out_ << jsonText(nlohmann::ordered_json(toJson(each)));
-    });
+  /// An array of the texts that a function gives of each element.
+  template <class List, class TextOf>
+  void addTexts(std::string_view name, const List& list, TextOf textOf) {
+    printArray(begin(name), list, [&](const auto& each) { printJsonText(out_, textOf(each)); });
   }
 
-  void finish() { out_ << '}'; }
+  void finish() { out_ << (separator_ == ',' ? "}" : "{}"); }
 
  private:
   std::ostream& out_;

@@ -14,8 +14,6 @@
 namespace ibis::cli {
 namespace {
 
-using nlohmann::ordered_json;
-
 constexpr std::size_t indent = 2;
 
 std::string text(IBISString value) { return printable(value.view()); }
@@ -151,42 +149,42 @@ TextTable leftOutTable(const std::vector<Diagnostic>& leftOut, const FileSummary
   return table;
 }
 
-ordered_json componentJson(const IBISComponent& component) {
-  ordered_json item = ordered_json::object();
-  item["name"] = component.name.view();
-  item["manufacturer"] = textOrNull(component.manufacturer);
-  item["pins"] = component.pins.size();
-  item["diffPins"] = component.diffPins.size();
-  item["packageModel"] = textOrNull(component.packageModelName);
-  ordered_json& pins = item["pinsWithoutModel"] = ordered_json::array();
-  for (const IBISPin* pin : pinsWithoutModel(component)) pins.push_back(pin->name.view());
-  return item;
+void printComponent(std::ostream& out, const IBISComponent& component) {
+  JsonObject item(out);
+  item.add("name", component.name.view());
+  item.add("manufacturer", textOrNull(component.manufacturer));
+  item.add("pins", component.pins.size());
+  item.add("diffPins", component.diffPins.size());
+  item.add("packageModel", textOrNull(component.packageModelName));
+  item.addTexts("pinsWithoutModel", pinsWithoutModel(component),
+                [](const IBISPin* pin) { return pin->name.view(); });
+  item.finish();
 }
 
-ordered_json modelJson(const ModelSummary& summary) {
+void printModel(std::ostream& out, const ModelSummary& summary) {
   const IBISModel& model = *summary.model;
-  ordered_json item = ordered_json::object();
-  item["name"] = model.name.view();
-  item["line"] = model.lineNumber;
-  item["type"] = modelTypeRow(model.type).name;
-  item["supply"] = tripleJson(supplyOf(model));
-  item["waveforms"] = waveformOrigin(model);
-  item["risingWaveforms"] = model.risingWaveforms.size();
-  item["fallingWaveforms"] = model.fallingWaveforms.size();
-  item["users"] = usersJson(summary.users);
-  item["selectors"] = selectorNamesJson(summary);
-  item["convertible"] = model.isSound;
-  item["reasons"] = diagnosticsJson(summary.reasons);
-  return item;
+  JsonObject item(out);
+  item.add("name", model.name.view());
+  item.add("line", model.lineNumber);
+  item.add("type", modelTypeRow(model.type).name);
+  addCorners(item, "supply", supplyOf(model));
+  item.add("waveforms", waveformOrigin(model));
+  item.add("risingWaveforms", model.risingWaveforms.size());
+  item.add("fallingWaveforms", model.fallingWaveforms.size());
+  addUsers(item, summary.users);
+  addSelectors(item, summary);
+  item.add("convertible", model.isSound);
+  printDiagnostics(item.begin("reasons"), summary.reasons);
+  item.finish();
 }
 
-ordered_json packageJson(const IBISPackageModel& package) {
-  ordered_json item = ordered_json::object();
-  item["name"] = package.name.view();
-  item["line"] = package.line;
-  item["manufacturer"] = textOrNull(package.manufacturer);
-  item["pins"] = package.numberOfPins;
-  return item;
+void printPackage(std::ostream& out, const IBISPackageModel& package) {
+  JsonObject item(out);
+  item.add("name", package.name.view());
+  item.add("line", package.line);
+  item.add("manufacturer", textOrNull(package.manufacturer));
+  item.add("pins", package.numberOfPins);
+  item.finish();
 }
 
 }  // namespace
@@ -207,15 +205,13 @@ std::string listText(const std::string& source, const TolerantReading& reading,
 
 void printListJson(JsonObject& object, const TolerantReading& reading, const FileSummary& summary) {
   const IBISFileData& file = reading.document->file();
-  ordered_json header = ordered_json::object();
-  addHeaderJson(header, file);
-  object.addMembers(header);
+  addHeader(object, file);
   object.addArray("components", file.components,
-                  [](const auto& each) { return componentJson(*each); });
-  object.addArray("models", summary.models, modelJson);
-  object.addArray("selectors", summary.selectors, selectorJson);
+                  [](std::ostream& out, const auto& each) { printComponent(out, *each); });
+  object.addArray("models", summary.models, printModel);
+  object.addArray("selectors", summary.selectors, printSelector);
   object.addArray("packageModels", file.packageModels,
-                  [](const auto& each) { return packageJson(*each); });
+                  [](std::ostream& out, const auto& each) { printPackage(out, *each); });
   printDiagnostics(object.begin("leftOut"), reading.leftOut);
 }
 

@@ -65,7 +65,7 @@ void printWaveform(std::ostream& out, const NamedWaveform& named) {
   object.add("name", named.name);
   object.add("origin", named.waveform->kind == IBISWaveform::fromFile ? "given" : "estimated");
   object.add("R_fixture", optionalJson(waveform.rFixture));
-  object.add("V_fixture", tripleJson(&fixture));
+  addCorners(object, "V_fixture", &fixture);
   object.add("C_fixture", optionalJson(waveform.cFixture));
   object.add("L_fixture", optionalJson(waveform.lFixture));
   object.add("R_dut", optionalJson(waveform.rDut));
@@ -75,52 +75,69 @@ void printWaveform(std::ostream& out, const NamedWaveform& named) {
   object.finish();
 }
 
-ordered_json rampJson(IBISTriple swing, IBISTriple time) {
+void printRamp(std::ostream& out, IBISTriple swing, IBISTriple time) {
   swing.present = time.present = hasRamp(time);
   const IBISTriple slope = slopeOf(swing, time);
-  return {{"dV", tripleJson(&swing)}, {"dt", tripleJson(&time)}, {"slope", tripleJson(&slope)}};
+  JsonObject object(out);
+  addCorners(object, "dV", &swing);
+  addCorners(object, "dt", &time);
+  addCorners(object, "slope", &slope);
+  object.finish();
 }
 
-ordered_json valuesJson(const IBISModel& model) {
-  ordered_json object = ordered_json::object();
+void printRamps(std::ostream& out, const IBISModel& model) {
+  JsonObject object(out);
+  printRamp(object.begin("rising"), model.rampDvRise, model.rampDtRise);
+  printRamp(object.begin("falling"), model.rampDvFall, model.rampDtFall);
+  object.add("R_load", optionalJson(model.rLoad));
+  object.finish();
+}
+
+void printValues(std::ostream& out, const IBISModel& model) {
+  JsonObject object(out);
   for (const ModelValue& value : modelValues()) {
     const IBISTriple& triple = model.*value.triple;
-    if (triple.present) object[value.name] = tripleJson(&triple);
+    if (triple.present) addCorners(object, value.name, &triple);
   }
-  return object;
+  object.finish();
 }
 
 // What a load takes where the file gives nothing.
-ordered_json defaultsJson(const IBISModel& model) {
-  ordered_json object = ordered_json::object();
+void printDefaults(std::ostream& out, const IBISModel& model) {
+  JsonObject object(out);
   for (const ModelValue& value : modelValues()) {
     IBISTriple triple = model.*value.triple;
     if (!isDefault(triple)) continue;
     triple.present = true;
-    object[value.name] = tripleJson(&triple);
+    addCorners(object, value.name, &triple);
   }
-  return object;
+  object.finish();
 }
 
-ordered_json seriesJson(const IBISSeriesElements& elements) {
-  ordered_json object = ordered_json::object();
+void printElements(std::ostream& out, const IBISSeriesElements& elements) {
+  JsonObject object(out);
   for (const SeriesValue& value : seriesValues()) {
     const IBISTriple& triple = elements.*value.triple;
-    if (triple.present) object[value.name] = tripleJson(&triple);
+    if (triple.present) addCorners(object, value.name, &triple);
   }
-  return object;
+  object.finish();
 }
 
-ordered_json figuresJson(const IBISModel& model) {
+void printSeries(std::ostream& out, const IBISModel& model) {
+  JsonObject object(out);
+  printElements(object.begin("on"), model.seriesOn);
+  printElements(object.begin("off"), model.seriesOff);
+  object.finish();
+}
+
+void printFigures(std::ostream& out, const IBISModel& model) {
   const DriverFigures figures = driverFigures(model);
-  return {{"highImpedance", tripleJson(&figures.highImpedance)},
-          {"lowImpedance", tripleJson(&figures.lowImpedance)},
-          {"highLevel", tripleJson(&figures.highLevel)},
-          {"lowLevel", tripleJson(&figures.lowLevel)}};
-}
-
-ordered_json wordJson(const char* word) {
-  return word == nullptr ? ordered_json() : ordered_json(word);
+  JsonObject object(out);
+  addCorners(object, "highImpedance", &figures.highImpedance);
+  addCorners(object, "lowImpedance", &figures.lowImpedance);
+  addCorners(object, "highLevel", &figures.highLevel);
+  addCorners(object, "lowLevel", &figures.lowLevel);
+  object.finish();
 }
 
 }  // namespace
@@ -131,23 +148,19 @@ void printModelJson(std::ostream& out, const ModelSummary& summary) {
   object.add("name", model.name.view());
   object.add("line", model.lineNumber);
   object.add("type", modelTypeRow(model.type).name);
-  object.add("polarity", wordJson(polarityOf(model)));
-  object.add("enable", wordJson(enableOf(model)));
-  object.add("users", usersJson(summary.users));
-  object.add("selectors", selectorNamesJson(summary));
+  object.add("polarity", wordOrNull(polarityOf(model)));
+  object.add("enable", wordOrNull(enableOf(model)));
+  addUsers(object, summary.users);
+  addSelectors(object, summary);
   object.add("convertible", model.isSound);
   printDiagnostics(object.begin("reasons"), summary.reasons);
-  object.add("values", valuesJson(model));
-  object.add("defaults", defaultsJson(model));
-  object.add("series", {{"on", seriesJson(model.seriesOn)}, {"off", seriesJson(model.seriesOff)}});
-  object.add("ramp", {{"rising", rampJson(model.rampDvRise, model.rampDtRise)},
-                      {"falling", rampJson(model.rampDvFall, model.rampDtFall)},
-                      {"R_load", optionalJson(model.rLoad)}});
-  printArray(object.begin("tables"), namedTables(model),
-             [&](const NamedTable& each) { printTable(out, each); });
-  printArray(object.begin("waveforms"), namedWaveforms(model),
-             [&](const NamedWaveform& each) { printWaveform(out, each); });
-  object.add("driver", figuresJson(model));
+  printValues(object.begin("values"), model);
+  printDefaults(object.begin("defaults"), model);
+  printSeries(object.begin("series"), model);
+  printRamps(object.begin("ramp"), model);
+  object.addArray("tables", namedTables(model), printTable);
+  object.addArray("waveforms", namedWaveforms(model), printWaveform);
+  printFigures(object.begin("driver"), model);
   object.finish();
 }
 

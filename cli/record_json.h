@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "file_summary.h"
+#include "json_pieces.h"
 
 namespace ibis::cli {
 
@@ -13,22 +14,22 @@ inline constexpr int jsonSchema = 1;
 /// The text, or null for an empty one.
 nlohmann::ordered_json textOrNull(IBISString text);
 
+/// The word, or null for none.
+nlohmann::ordered_json wordOrNull(const char* word);
+
 /// The corners that the file gives, the others null; null for no triple and an absent one.
-nlohmann::ordered_json tripleJson(const IBISTriple* triple);
+void addCorners(JsonObject& object, std::string_view name, const IBISTriple* triple);
 
-/// Each as an object of id, line and text.
-nlohmann::ordered_json diagnosticsJson(const std::vector<Diagnostic>& list);
+/// The components that use something, each with the names of its pins.
+void addUsers(JsonObject& object, const std::vector<PinGroup>& groups);
 
-/// Each component with the names of its pins.
-nlohmann::ordered_json usersJson(const std::vector<PinGroup>& groups);
-
-/// Adds version, file name, revision and date.
-void addHeaderJson(nlohmann::ordered_json& object, const IBISFileData& file);
-
-/// A selector with its users and choices.
-nlohmann::ordered_json selectorJson(const SelectorSummary& summary);
+/// Version, file name, revision and date.
+void addHeader(JsonObject& object, const IBISFileData& file);
 
 /// The names of the selectors that offer a model.
-nlohmann::ordered_json selectorNamesJson(const ModelSummary& summary);
+void addSelectors(JsonObject& object, const ModelSummary& summary);
+
+/// Prints a selector with its users and choices.
+void printSelector(std::ostream& out, const SelectorSummary& summary);
 
 }  // namespace ibis::cli

@@ -16,8 +16,6 @@
 namespace ibis::cli {
 namespace {
 
-using nlohmann::ordered_json;
-
 constexpr const char* details =
     R"(NAME is a model, a component, a selector, a package model or a pin, in this order; all
 that have it are shown. Where nothing has it, the pins of that signal are. Without NAME
@@ -117,13 +115,11 @@ void print(const ShowOptions& options, const TolerantReading& reading, const Fou
   }
   JsonObject object(std::cout);
   beginJson(object, options, exitStatus::done);
-  ordered_json header = ordered_json::object();
-  addHeaderJson(header, file);
-  header["source"] = textOrNull(file.source);
-  header["notes"] = textOrNull(file.notes);
-  header["disclaimer"] = textOrNull(file.disclaimer);
-  header["copyright"] = textOrNull(file.copyright);
-  object.addMembers(header);
+  addHeader(object, file);
+  object.add("source", textOrNull(file.source));
+  object.add("notes", textOrNull(file.notes));
+  object.add("disclaimer", textOrNull(file.disclaimer));
+  object.add("copyright", textOrNull(file.copyright));
   printFoundJson(object, found);
   printDiagnostics(object.begin("leftOut"), reading.leftOut);
   object.begin("errors") << "[]";

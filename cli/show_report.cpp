@@ -142,77 +142,74 @@ std::string pinText(const FoundPin& found) {
          std::to_string(pin.line) + ")\n" + table.text() + '\n' + values.text();
 }
 
-ordered_json pinJson(const FoundPin& found, bool namesComponent) {
+void addPinCorners(JsonObject& object, const char* name, const IBISTriple& triple, bool isMissing) {
+  addCorners(object, name, isMissing ? nullptr : &triple);
+}
+
+void printPin(std::ostream& out, const FoundPin& found, bool namesComponent) {
   const IBISPin& pin = *found.pin;
-  const IBISTriple r = pin.R_pin();
-  const IBISTriple l = pin.L_pin();
-  const IBISTriple c = pin.C_pin();
-  ordered_json item = ordered_json::object();
-  if (namesComponent) item["component"] = found.component->name.view();
-  item["name"] = pin.name.view();
-  item["line"] = pin.line;
-  item["signal"] = pin.signal_name.view();
-  item["modelName"] = pin.model_name.view();
-  item["model"] = pin.model == nullptr ? ordered_json() : ordered_json(pin.model->name.view());
-  item["hasOwnValues"] = pin.hasOwnRLC;
-  item["R_pin"] = pin.hasOwnRLC && pin.missingR ? ordered_json() : tripleJson(&r);
-  item["L_pin"] = pin.hasOwnRLC && pin.missingL ? ordered_json() : tripleJson(&l);
-  item["C_pin"] = pin.hasOwnRLC && pin.missingC ? ordered_json() : tripleJson(&c);
-  return item;
+  JsonObject item(out);
+  if (namesComponent) item.add("component", found.component->name.view());
+  item.add("name", pin.name.view());
+  item.add("line", pin.line);
+  item.add("signal", pin.signal_name.view());
+  item.add("modelName", pin.model_name.view());
+  item.add("model", pin.model == nullptr ? ordered_json() : ordered_json(pin.model->name.view()));
+  item.add("hasOwnValues", pin.hasOwnRLC);
+  addPinCorners(item, "R_pin", pin.R_pin(), pin.hasOwnRLC && pin.missingR);
+  addPinCorners(item, "L_pin", pin.L_pin(), pin.hasOwnRLC && pin.missingL);
+  addPinCorners(item, "C_pin", pin.C_pin(), pin.hasOwnRLC && pin.missingC);
+  item.finish();
 }
 
-ordered_json pairJson(const IBISDiffPin& pair) {
-  return {
-      {"pin", pair.pin.view()},
-      {"invertedPin", pair.inv_pin.view()},
-      {"vdiff", pair.vdiff},
-      {"delay", {{"typ", pair.tdelay_typ}, {"min", pair.tdelay_min}, {"max", pair.tdelay_max}}}};
+void printPair(std::ostream& out, const IBISDiffPin& pair) {
+  JsonObject item(out);
+  item.add("pin", pair.pin.view());
+  item.add("invertedPin", pair.inv_pin.view());
+  item.add("vdiff", pair.vdiff);
+  JsonObject delay(item.begin("delay"));
+  delay.add("typ", pair.tdelay_typ);
+  delay.add("min", pair.tdelay_min);
+  delay.add("max", pair.tdelay_max);
+  delay.finish();
+  item.finish();
 }
 
-ordered_json wordJson(const char* word) {
-  return word == nullptr ? ordered_json() : ordered_json(word);
+void printComponent(std::ostream& out, const IBISComponent& component) {
+  JsonObject item(out);
+  item.add("name", component.name.view());
+  item.add("manufacturer", textOrNull(component.manufacturer));
+  item.add("packageModel", textOrNull(component.packageModelName));
+  item.add("Si_location", wordOrNull(locationWord(component.siLocation)));
+  item.add("Timing_location", wordOrNull(locationWord(component.timingLocation)));
+  addCorners(item, "R_pkg", &component.package.R_pkg);
+  addCorners(item, "L_pkg", &component.package.L_pkg);
+  addCorners(item, "C_pkg", &component.package.C_pkg);
+  item.addArray("pins", component.pins, [&](std::ostream& to, const IBISPin& pin) {
+    printPin(to, {&component, &pin}, false);
+  });
+  item.addArray("diffPins", component.diffPins, printPair);
+  item.finish();
 }
 
-ordered_json componentJson(const IBISComponent& component) {
-  ordered_json item = ordered_json::object();
-  item["name"] = component.name.view();
-  item["manufacturer"] = textOrNull(component.manufacturer);
-  item["packageModel"] = textOrNull(component.packageModelName);
-  item["Si_location"] = wordJson(locationWord(component.siLocation));
-  item["Timing_location"] = wordJson(locationWord(component.timingLocation));
-  item["R_pkg"] = tripleJson(&component.package.R_pkg);
-  item["L_pkg"] = tripleJson(&component.package.L_pkg);
-  item["C_pkg"] = tripleJson(&component.package.C_pkg);
-  ordered_json& pins = item["pins"] = ordered_json::array();
-  for (const IBISPin& pin : component.pins) pins.push_back(pinJson({&component, &pin}, false));
-  ordered_json& pairs = item["diffPins"] = ordered_json::array();
-  for (const IBISDiffPin& pair : component.diffPins) pairs.push_back(pairJson(pair));
-  return item;
+void printEntry(std::ostream& out, const IBISMatrixEntry& entry) {
+  out << '[' << entry.row << ',' << entry.column << ','
+      << jsonText(entry.isNA ? ordered_json() : ordered_json(entry.value)) << ']';
 }
 
-ordered_json matrixJson(const std::vector<IBISMatrixEntry>& entries) {
-  ordered_json array = ordered_json::array();
-  for (const IBISMatrixEntry& entry : entries) {
-    array.push_back(
-        {entry.row, entry.column, entry.isNA ? ordered_json() : ordered_json(entry.value)});
-  }
-  return array;
-}
-
-ordered_json packageModelJson(const IBISPackageModel& package) {
-  ordered_json item = ordered_json::object();
-  item["name"] = package.name.view();
-  item["line"] = package.line;
-  item["manufacturer"] = textOrNull(package.manufacturer);
-  item["oem"] = textOrNull(package.oem);
-  item["description"] = textOrNull(package.description);
-  item["numberOfPins"] = package.numberOfPins;
-  ordered_json& pins = item["pins"] = ordered_json::array();
-  for (const IBISString name : package.pinNames) pins.push_back(name.view());
-  item["resistance"] = matrixJson(package.resistance);
-  item["inductance"] = matrixJson(package.inductance);
-  item["capacitance"] = matrixJson(package.capacitance);
-  return item;
+void printPackageModel(std::ostream& out, const IBISPackageModel& package) {
+  JsonObject item(out);
+  item.add("name", package.name.view());
+  item.add("line", package.line);
+  item.add("manufacturer", textOrNull(package.manufacturer));
+  item.add("oem", textOrNull(package.oem));
+  item.add("description", textOrNull(package.description));
+  item.add("numberOfPins", package.numberOfPins);
+  item.addTexts("pins", package.pinNames, [](IBISString name) { return name.view(); });
+  item.addArray("resistance", package.resistance, printEntry);
+  item.addArray("inductance", package.inductance, printEntry);
+  item.addArray("capacitance", package.capacitance, printEntry);
+  item.finish();
 }
 
 template <class Find>
@@ -290,14 +287,15 @@ std::string showText(const Found& found) {
 
 void printFoundJson(JsonObject& object, const Found& found) {
   object.addArray("components", found.components,
-                  [](const auto* each) { return componentJson(*each); });
-  std::ostream& out = object.begin("models");
-  printArray(out, found.models, [&](const auto* each) { printModelJson(out, *each); });
+                  [](std::ostream& out, const auto* each) { printComponent(out, *each); });
+  object.addArray("models", found.models,
+                  [](std::ostream& out, const auto* each) { printModelJson(out, *each); });
   object.addArray("selectors", found.selectors,
-                  [](const auto* each) { return selectorJson(*each); });
+                  [](std::ostream& out, const auto* each) { printSelector(out, *each); });
   object.addArray("packageModels", found.packageModels,
-                  [](const auto* each) { return packageModelJson(*each); });
-  object.addArray("pins", found.pins, [](const FoundPin& each) { return pinJson(each, true); });
+                  [](std::ostream& out, const auto* each) { printPackageModel(out, *each); });
+  object.addArray("pins", found.pins,
+                  [](std::ostream& out, const FoundPin& each) { printPin(out, each, true); });
 }
 
 std::string headerText(const std::string& source, const IBISFileData& file) {

@@ -6,7 +6,6 @@
 #include "json_pieces.h"
 #include "list_report.h"
 #include "printed.h"
-#include "record_json.h"
 #include "report.h"
 #include "show_report.h"
 
@@ -60,7 +59,10 @@ void check(std::string_view text) {
     std::ostringstream messages;
     cli::printMessages(messages, sourceName, *list);
     checkMessages(messages.str(), sourceName);
-    REQUIRE(checkJson(cli::jsonLine(cli::diagnosticsJson(*list))).size() == list->size());
+    std::ostringstream array;
+    cli::printDiagnostics(array, *list);
+    array << '\n';
+    REQUIRE(checkJson(array.str()).size() == list->size());
   }
 }
 

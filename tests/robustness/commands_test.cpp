@@ -244,7 +244,8 @@ TEST_P(CommandsOverFiles, LoseOneFileWhereMemoryLacksOnce) {
     if (!run.hasFailed) break;
     const std::string text = run.out + run.err;
     const bool isEnded = text.find("ibis-load: error: std::bad_alloc") != text.npos;
-    const bool isLost = text.find(".ibs: error: std::bad_alloc") != text.npos;
+    const bool isLost = text.find(".ibs: error: std::bad_alloc") != text.npos ||
+                        text.find("\"std::bad_alloc\"") != text.npos;
     if (!isEnded && !isLost) continue;
     const char outcome = isEnded ? 'e' : 'f';
     if (order.empty() || order.back() != outcome) order += outcome;
@@ -257,8 +258,12 @@ TEST_P(CommandsOverFiles, LoseOneFileWhereMemoryLacksOnce) {
 
 const CommandCase casesOverFiles[] = {
     {"List", {"list", "FOLDER"}},
+    {"ListJson", {"list", "FOLDER", "--json"}},
     {"Check", {"check", "FOLDER", "-Wall"}},
+    {"CheckJson", {"check", "FOLDER", "--json"}},
+    {"CheckSarif", {"check", "FOLDER", "--sarif"}},
     {"Convert", {"convert", "FOLDER", "-o", "OUT"}},
+    {"ConvertJson", {"convert", "FOLDER", "-o", "OUT", "--json"}},
 };
 
 INSTANTIATE_TEST_SUITE_P(All, CommandsOverFiles, ::testing::ValuesIn(casesOverFiles),
