@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <new>
 #include <sstream>
 
 #include "interruption.h"
@@ -159,13 +160,22 @@ std::string faultIn(const std::string& log) {
 TemporaryFolder::TemporaryFolder() {
   std::string name = (std::filesystem::temp_directory_path() / "ibis-load-XXXXXX").string();
   if (mkdtemp(name.data()) == nullptr) throw SimulatorFault("cannot make a temporary folder");
-  path_ = name;
-  watchFolder(path_);
+  path_.swap(name);
+  try {
+    watchFolder(path_);
+  } catch (const std::bad_alloc&) {
+    rmdir(path_.c_str());
+    throw;
+  }
 }
 
+// Where memory lacks even for this, a folder of temporary files is left behind.
 TemporaryFolder::~TemporaryFolder() {
-  std::error_code ignored;
-  std::filesystem::remove_all(path_, ignored);
+  try {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+  } catch (const std::bad_alloc&) {
+  }
   forgetFolder(path_);
 }
 
