@@ -12,7 +12,7 @@ namespace {
 constexpr double tailEnd = 1.1;  // in spans
 constexpr double dryLow = -1.0;  // coefficients that waveforms agree on stay inside
 constexpr double dryHigh = 2.0;
-constexpr double outsideShare = 0.02;   // of the span
+constexpr double outsideShare = 0.02;   // of the span, of an estimate the time in which it moves
 constexpr double worstEstimate = 0.02;  // static mismatch of an estimate
 constexpr double worstMismatch = 0.02;  // static mismatch that is not told
 constexpr double worstEnd = 0.05;       // distance of the last coefficients that is not told
@@ -34,13 +34,13 @@ bool isOutside(Coefficients k) {
   return k.up < dryLow || k.up > dryHigh || k.down < dryLow || k.down > dryHigh;
 }
 
-// Share of the span in which coefficients are no driver's.
+// How long coefficients are no driver's, in seconds.
 double timeOutside(const EdgeProblem& problem, const CoefficientList& list) {
   double time = 0.0;
   for (std::size_t i = 1; i < list.size(); ++i) {
     if (isOutside(list[i])) time += problem.grid[i] - problem.grid[i - 1];
   }
-  return time / problem.grid.back();
+  return time;
 }
 
 // The time in which a static mismatch is taken out.
@@ -134,13 +134,15 @@ EdgeCoefficients finish(const EdgeProblem& problem, CoefficientList list, Findin
   return result;
 }
 
-// Waveforms that contradict each other make coefficients that no driver has; one must go.
-EdgeCoefficients solveEdge(const Device& device, Edge edge,
+// Waveforms that contradict each other make coefficients that no driver has; one must go. The tail
+// of an estimate is as long as one cares to make it.
+EdgeCoefficients solveEdge(const Device& device, Edge edge, bool areEstimates,
                            std::vector<const UsableWaveform*> chosen, Findings& findings) {
   EdgeProblem problem = makeProblem(device, edge, std::move(chosen));
   CoefficientList list = solveAll(problem);
   const bool isPair = device.driver == DriverKind::pushPull && problem.chosen.size() == 2;
-  if (isPair && timeOutside(problem, list) > outsideShare) {
+  const double time = areEstimates ? activeTimeOf(problem) : problem.grid.back();
+  if (isPair && timeOutside(problem, list) > outsideShare * time) {
     const bool firstIsLarger = problem.chosen[0]->swing >= problem.chosen[1]->swing;
     const UsableWaveform* kept = problem.chosen[firstIsLarger ? 0 : 1];
     findings.push_back(
@@ -240,7 +242,7 @@ EdgeCoefficients extractEdge(const IBISModel& model, const Device& device, Edge 
   if (!suits(device, edge, offer, chosen, findings)) {
     return rampEdge(model, device, edge, corner, findings);
   }
-  EdgeCoefficients result = solveEdge(device, edge, std::move(chosen), findings);
+  EdgeCoefficients result = solveEdge(device, edge, offer.isEstimate, std::move(chosen), findings);
   result.method = methodOf(offer, result.used.size());
   if (device.driver == DriverKind::pushPull && result.method == EdgeMethod::oneWaveform) {
     findings.push_back({.kind = FindingKind::oneWaveform, .edge = edge});

@@ -437,6 +437,21 @@ TEST_F(ExportMessages, TellOfWaveformsThatContradictEachOther) {
                   "off");
 }
 
+// Charge in a pad that 10 kohm hold makes coefficients that are no driver's for 2 % of the time in
+// which the estimates move, but for less of their time with the tails.
+TEST_F(ExportMessages, TellOfEstimatesThatContradictEachOtherWhileTheyMove) {
+  EXPECT_MESSAGES(
+      modelWarnings("Model_type Output\nC_comp 2.2p NA NA\n[Voltage Range] 3.3 NA NA\n"
+                    "[Pulldown]\n-3.3 -110m NA NA\n0 0 NA NA\n1 30m NA NA\n2 45m NA NA\n"
+                    "6.6 50m NA NA\n"
+                    "[Pullup]\n-3.3 110m NA NA\n0 0 NA NA\n1 -30m NA NA\n2 -45m NA NA\n"
+                    "6.6 -50m NA NA\n"
+                    "[Ramp]\nR_load = 10k\ndV/dt_r 1.97/1n NA NA\ndV/dt_f 1.97/1n NA NA\n"),
+      estimated,
+      "Model 'm', typ, rising edge: the waveforms contradict each other; only number 1 is used",
+      "Model 'm', typ, falling edge: the waveforms contradict each other; only number 2 is used");
+}
+
 TEST_F(ExportMessages, TellOfAWaveformThatJumps) {
   const std::string jump =
       "0 0 NA NA\n1p 0.8333333 NA NA\n1n 1.6666667 NA NA\n4n 1.6666667 NA NA\n";
